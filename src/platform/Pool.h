@@ -1,0 +1,78 @@
+#pragma once
+
+#include "platform/Thread.h"
+
+#include <cstddef>
+#include <new>
+
+/// Memory for small, short-lived things: values, elements, texts.
+///
+/// Each thread keeps lists of free blocks, one for every 16 bytes of size up to 128, each at most 256 blocks long, over
+/// ::operator new. Blocks belong to no thread: one may be given back on any thread, also on one whose lists were already
+/// torn down, where it goes straight to ::operator delete. The lists are given back when their thread ends.
+///
+/// Sanitizers must see each allocation, so with them (and with ORVUQL_NO_POOL) there are no lists.
+#if defined(ORVUQL_NO_POOL) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define ORVUQL_POOL 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
+#define ORVUQL_POOL 0
+#endif
+#endif
+#if !defined(ORVUQL_POOL)
+#define ORVUQL_POOL 1
+#endif
+
+namespace OrvUQL::platform {
+
+/// The greatest block that the lists keep.
+inline constexpr std::size_t poolLimit = poolStep * poolClasses;
+
+/// How many free blocks of one size a thread keeps.
+inline constexpr int poolRoom = 256;
+
+#if ORVUQL_POOL
+
+void* PoolAllocateSlowly(std::size_t size);
+void PoolFreeSlowly(void* block, std::size_t size) noexcept;
+
+/// At least `size` bytes (1 or more), aligned for every ordinary type. Throws std::bad_alloc.
+inline void* PoolAllocate(std::size_t size) {
+    const std::size_t list = (size - 1) / poolStep;
+    if (list < poolClasses) {
+        PoolList& free = CurrentThread().pool[list];
+        if (PoolList::Block* const block = free.head) {
+            free.head = block->next;
+            ++free.room;
+            return block;
+        }
+    }
+    return PoolAllocateSlowly(size);
+}
+
+/// Gives back what PoolAllocate returned for the same `size`.
+inline void PoolFree(void* block, std::size_t size) noexcept {
+    const std::size_t list = (size - 1) / poolStep;
+    if (list < poolClasses) {
+        PoolList& free = CurrentThread().pool[list];
+        if (free.room > 0) {
+            free.head = ::new (block) PoolList::Block{free.head};
+            --free.room;
+            return;
+        }
+    }
+    PoolFreeSlowly(block, size);
+}
+
+#else
+
+inline void* PoolAllocate(std::size_t size) { return ::operator new(size); }
+
+inline void PoolFree(void* block, std::size_t) noexcept { ::operator delete(block); }
+
+#endif
+
+/// Gives the calling thread's free blocks back; from then on its blocks go straight to the heap.
+void ClosePool() noexcept;
+
+} // namespace OrvUQL::platform
