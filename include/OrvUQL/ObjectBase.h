@@ -1,0 +1,204 @@
+// The common base of value classes: method tables, calls by name, argument checking, and the conversions that go
+// through a value's text.
+#pragma once
+
+#include "OrvUQL/Object.h"
+
+#include <string_view>
+
+namespace OrvUQL {
+
+/// Base of every value class but ObjectExpression. A class of a host derives from it, gives its type and text, and
+/// lists its methods in a table:
+///
+///     class Part : public OrvUQL::ObjectBase {
+///     public:
+///         IObject::EType GetType() const override { return TypeGlobal; }
+///         OrvStringT GetTypeName() const override { return ORV_TEXT(L"part"); }
+///         const MethodMap* GetMethodMap() const override { return _GetMethodMap(); }
+///         OrvStringT ToString() const override { return name; }
+///     private:
+///         const MethodMap* _GetMethodMap() const {
+///             static const MethodMap table[] = {
+///                 MethodMap::Method(L"Price", L"", &Part::Method_Price),
+///                 MethodMap::Chain(&Part::ObjectBaseMethods),   // the methods that every value has
+///                 MethodMap::End(),
+///             };
+///             return table;
+///         }
+///         ...
+///     };
+///
+/// The new virtual operations are declared before the overrides: Microsoft's compiler orders a class's operations of
+/// one name by the place of the first of them.
+class ORVUQL_API ObjectBase : public RefCountImpl<IObject> {
+public:
+    struct MethodMap;
+
+    /// A method's body. `name` is the name as written in the call; `params` holds the checked arguments, borrowed:
+    /// one entry for each letter of the signature that does not repeat (null where an optional argument was left
+    /// out), then one for each argument of a repeated letter. Returns the result with a reference, or null on
+    /// failure.
+    using Handler = IObject* (ObjectBase::*)(QueryEngine* engine, const OrvStringT& name, const ObjectList& params,
+                                             IError** err);
+    using MapGetter = const MethodMap* (ObjectBase::*)() const;
+
+    /// One row of a method table. A table is an array in search order that ends with End(). Once a getter has
+    /// returned a table it never changes or dies, and which table a getter returns depends on the class alone: call
+    /// sites remember what they found.
+    ///
+    /// Signature: one letter for each parameter, upper case required, lower case optional, `*` after a letter repeats
+    /// it: B bool, I int, D double, S string, N int or double, O any value, E the argument unevaluated.
+    struct MethodMap {
+        MapGetter base = nullptr;      ///< non-null in a chain row: the row stands for the table that this returns
+        int baseAdjust = 0;            ///< added to the object's address for that call
+        const wchar_t* name = nullptr; ///< compared without regard to case; empty: matches every name
+        const wchar_t* signature = nullptr;
+        Handler handler = nullptr;
+        int handlerAdjust = 0; ///< added to the object's address for the call
+        bool isStatic = false; ///< may be called on a static instance
+
+        /// The rows of another table, normally of the base class.
+        template <class T> static constexpr MethodMap Chain(const MethodMap* (T::*getter)() const) {
+            MethodMap row;
+            row.base = static_cast<MapGetter>(getter);
+            return row;
+        }
+        template <class T>
+        static constexpr MethodMap Method(const wchar_t* name, const wchar_t* signature,
+                                          IObject* (T::*handler)(QueryEngine*, const OrvStringT&, const ObjectList&,
+                                                                 IError**)) {
+            MethodMap row;
+            row.name = name;
+            row.signature = signature;
+            row.handler = static_cast<Handler>(handler);
+            return row;
+        }
+        template <class T>
+        static constexpr MethodMap StaticMethod(const wchar_t* name, const wchar_t* signature,
+                                                IObject* (T::*handler)(QueryEngine*, const OrvStringT&,
+                                                                       const ObjectList&, IError**)) {
+            MethodMap row = Method(name, signature, handler);
+            row.isStatic = true;
+            return row;
+        }
+        /// Matches every name not found in an earlier row; hides the rows after it.
+        template <class T>
+        static constexpr MethodMap CatchAll(const wchar_t* signature,
+                                            IObject* (T::*handler)(QueryEngine*, const OrvStringT&, const ObjectList&,
+                                                                   IError**)) {
+            return Method(L"", signature, handler);
+        }
+        static constexpr MethodMap End() { return MethodMap(); }
+    };
+
+    /// The table in which calls on this value are looked up.
+    virtual const MethodMap* GetMethodMap() const;
+
+protected:
+    /// Appends the help lines of `map` to `out`, separated by single carriage returns. May throw std::bad_alloc.
+    virtual void GetMethodList(const MethodMap* map, OrvStringT& out);
+
+public:
+    /// The display text. The base class's is empty. May throw std::bad_alloc.
+    virtual OrvStringT ToString() const;
+
+    bool IsStaticInstance() const override;
+    bool IsNull() const override;
+    bool IsUnit() const override;
+    ORV_OVERLOADS2(IUnit* GetUnitInterface() override;, const IUnit* GetUnitInterface() const override;)
+
+    /// The display text "true" or "false" in any case, or a number that is not 0. Otherwise "Cannot convert string
+    /// '%1' to %2" with "Boolean".
+    bool ToBool(bool& out, IError** err) const override;
+    /// The display text as a number, rounded half away from zero. Errors: "Cannot convert string '%1' to %2" with
+    /// "Integer"; "Data overflow occured while converting a floating point number %1 to integer".
+    bool ToInt(int& out, IError** err) const override;
+    /// The display text as a number, else "Cannot convert string '%1' to %2" with "Double".
+    bool ToDouble(double& out, IError** err) const override;
+    /// The display text. Fails only with "Internal error", where memory ends.
+    bool ToString(OrvStringT& out, IError** err) const override;
+    VariantResult ToVariant(VARIANT& out, IError** err) const override;
+    /// The trimmed display text as an int or a double (1e3 is an int, 1.0 a double, 0x1F an int of 32 bits), else
+    /// "Cannot convert string '%1' to a number".
+    IObject* ToNumeric(IError** err) override;
+    /// Fails with "Cannot convert value '%1' of type '%2' to type 'Unit'".
+    IUnit* ToUnit(IUnitDefinition* unit, IError** err) override;
+    IObject* ChangeType(EType type, IError** err) override;
+    /// Fails with "Cannot compare object '%1' to object '%2'. Incompatible types for this operation" and the two type
+    /// names, the left operand's first.
+    bool CompareTo(EOperType op, IObject* other, bool reversed, bool& result, IError** err) const override;
+    /// Looks `name` up in the method table, checks and evaluates the arguments and calls the handler. The name "help"
+    /// gives the listing of the methods, its arguments neither checked nor evaluated.
+    IObject* Invoke(QueryEngine* engine, const wchar_t* name, const QueryElementList& args, IError** err) override;
+
+    /// The query element that an expression value holds, borrowed; null for any other object, null included.
+    static IQueryElement* GetQueryElement(IObject* obj);
+    /// True if the texts are equal, exactly or but for letter case.
+    static bool CompareStrings(const OrvStringT& a, const OrvStringT& b, bool caseSensitive);
+#if defined(_WIN32)
+    /// A new value made from a VARIANT, which stays the caller's; null with "Unable to convert unsupported VARIANT
+    /// data type: %1" for those that have no value here.
+    static IObject* VariantToObject(const VARIANT& in, IError** err);
+#endif
+
+    /// Values come from a pool of the thread; a value may be released on another thread than the one that made it.
+    static void* operator new(std::size_t size);
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* block, std::size_t size) noexcept;
+    static void operator delete(void*, void*) noexcept {}
+
+protected:
+    ObjectBase() noexcept = default;
+    ObjectBase(const ObjectBase&) noexcept = default;
+    ObjectBase& operator=(const ObjectBase&) noexcept = default;
+    ~ObjectBase() override;
+
+    /// The row for `name` in `map` and the tables chained to it, or null. The first match in table order wins.
+    const MethodMap* FindMethodEntry(const MethodMap* map, const OrvStringT& name) const;
+    /// Evaluates and converts `args` as `signature` says and appends them to `params`, which then owns them, also
+    /// when the call fails halfway. A surplus argument fails the call but the later ones are still counted,
+    /// deliberately: the surviving message names the expected number plus the number of surplus arguments minus one.
+    bool ValidateParameters(QueryEngine* engine, const wchar_t* methodName, const OrvStringT& signature,
+                            const QueryElementList& args, ObjectList& params, IError** err) const;
+    /// A new string listing the methods, one a line, the lines separated by carriage returns.
+    IObject* GetHelp();
+    /// Parses `text` as a number, else "Cannot convert string '%1' to %2" with `typeName`.
+    static bool StringToDouble(OrvStringT& text, double& out, const wchar_t* typeName, IError** err);
+    /// The table of the methods that every value has, for Chain rows.
+    const MethodMap* ObjectBaseMethods() const { return _GetMethodMap(); }
+
+    IObject* Method_ToBool(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_ToInt(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_ToDouble(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_ToString(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_TypeName(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_This(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_IsNumeric(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_IsNull(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+
+public:
+    /// The class's own table. Each class has one of this name; GetMethodMap() returns the most derived class's.
+    const MethodMap* _GetMethodMap() const;
+
+private:
+    IObject* CallMethod(QueryEngine* engine, const MethodMap& entry, const wchar_t* name, const OrvStringT& callName,
+                        const QueryElementList& args, IError** err);
+};
+
+/// Base of the values that also serve as type objects: null, bool, int, double and string.
+class ORVUQL_API ObjectBaseStaticImpl : public ObjectBase {
+public:
+    bool IsStaticInstance() const override { return isStatic; }
+
+protected:
+    explicit ObjectBaseStaticImpl(bool staticInstance) noexcept : isStatic(staticInstance) {}
+    ObjectBaseStaticImpl(const ObjectBaseStaticImpl&) noexcept = default;
+    ObjectBaseStaticImpl& operator=(const ObjectBaseStaticImpl&) noexcept = default;
+    ~ObjectBaseStaticImpl() override;
+
+private:
+    bool isStatic;
+};
+
+} // namespace OrvUQL

@@ -1,0 +1,44 @@
+// The context in which an expression argument sees the item that it is evaluated for.
+#pragma once
+
+#include "OrvUQL/ObjectBase.h"
+
+namespace OrvUQL {
+
+namespace detail {
+class ItemEvaluation;
+}
+
+/// The engine's current variable while an array method evaluates its expression: `$item`, `$index` (from 1),
+/// `$lasteval` and `$data`. Type "iterator"; it has the type code of the global object but is none. Its text is
+/// empty.
+class ORVUQL_API ObjectIterator : public ObjectBase {
+public:
+    /// Takes a reference to each non-null argument.
+    ObjectIterator(IObject* lasteval, IObject* item, IObject* index, IObject* data);
+    /// Member-wise, no references taken.
+    ObjectIterator(const ObjectIterator&) noexcept = default;
+    ObjectIterator& operator=(const ObjectIterator&) noexcept = default;
+    ~ObjectIterator() override;
+
+    const MethodMap* GetMethodMap() const override;
+    EType GetType() const override { return TypeGlobal; }
+    OrvStringT GetTypeName() const override;
+
+    const MethodMap* _GetMethodMap() const;
+
+private:
+    friend class detail::ItemEvaluation;
+    IObject* Method_LastEval(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_Item(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_Index(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_Data(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+
+    IObject* lasteval;
+    IObject* item;
+    IObject* index;
+    IObject* data;
+    int position = 0; // stands for an index object that nobody has asked for yet; 0: none
+};
+
+} // namespace OrvUQL

@@ -1,0 +1,22 @@
+// OrvUQL: parses and evaluates query expressions. The one header a host includes; start reading at QueryEngine.h.
+#pragma once
+
+#include "OrvUQL/Elements.h"
+#include "OrvUQL/Error.h"
+#include "OrvUQL/Export.h"
+#include "OrvUQL/Object.h"
+#include "OrvUQL/ObjectArray.h"
+#include "OrvUQL/ObjectBase.h"
+#include "OrvUQL/ObjectExpression.h"
+#include "OrvUQL/ObjectGlobal.h"
+#include "OrvUQL/ObjectIterator.h"
+#include "OrvUQL/ObjectString.h"
+#include "OrvUQL/ObjectUnit.h"
+#include "OrvUQL/Operators.h"
+#include "OrvUQL/OrvString.h"
+#include "OrvUQL/QueryElement.h"
+#include "OrvUQL/QueryEngine.h"
+#include "OrvUQL/RefCount.h"
+#include "OrvUQL/Resources.h"
+#include "OrvUQL/Scalars.h"
+#include "OrvUQL/Unit.h"

@@ -1,0 +1,204 @@
+// Calls by name: look-up in method tables, argument checking, the listing of methods, and the methods that every value
+// has.
+
+#include "OrvUQL/ObjectBase.h"
+
+#include "OrvUQL/ObjectExpression.h"
+#include "OrvUQL/ObjectString.h"
+#include "OrvUQL/QueryElement.h"
+#include "OrvUQL/Scalars.h"
+
+#include "core/EngineAccess.h"
+#include "core/Failure.h"
+#include "core/InlineList.h"
+#include "core/Signature.h"
+#include "platform/CaseMap.h"
+#include "platform/Pool.h"
+
+#include <typeinfo>
+
+namespace OrvUQL {
+
+namespace {
+
+constinit const ObjectList noParameters;
+
+bool IsEnd(const ObjectBase::MethodMap& row) noexcept { return row.base == nullptr && row.handler == nullptr; }
+
+/// The object as a row's member pointer wants it.
+template <class T> T* Adjust(T* object, int adjustment) noexcept {
+    using Byte = std::conditional_t<std::is_const_v<T>, const char, char>;
+    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(object) + adjustment);
+}
+
+const ObjectBase::MethodMap* ChainedTable(const ObjectBase* object, const ObjectBase::MethodMap& row) {
+    return (Adjust(object, row.baseAdjust)->*row.base)();
+}
+
+const ObjectBase::MethodMap* FindRow(const ObjectBase* object, const ObjectBase::MethodMap* row,
+                                     std::wstring_view name) {
+    for (; !IsEnd(*row); ++row) {
+        if (row->base != nullptr) {
+            if (const ObjectBase::MethodMap* const found = FindRow(object, ChainedTable(object, *row), name)) {
+                return found;
+            }
+        } else if (*row->name == L'\0' || platform::EqualsIgnoreCase(row->name, name)) {
+            return row;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+ObjectBase::~ObjectBase() = default;
+ObjectBaseStaticImpl::~ObjectBaseStaticImpl() = default;
+
+void* ObjectBase::operator new(std::size_t size) { return platform::PoolAllocate(size); }
+void ObjectBase::operator delete(void* block, std::size_t size) noexcept { platform::PoolFree(block, size); }
+
+const ObjectBase::MethodMap* ObjectBase::_GetMethodMap() const {
+    static const MethodMap table[] = {
+        MethodMap::Method(L"ToBool", L"", &ObjectBase::Method_ToBool),
+        MethodMap::Method(L"ToInt", L"", &ObjectBase::Method_ToInt),
+        MethodMap::Method(L"ToDouble", L"", &ObjectBase::Method_ToDouble),
+        MethodMap::Method(L"ToString", L"", &ObjectBase::Method_ToString),
+        MethodMap::StaticMethod(L"TypeName", L"", &ObjectBase::Method_TypeName),
+        MethodMap::Method(L"This", L"", &ObjectBase::Method_This),
+        MethodMap::Method(L"IsNumeric", L"", &ObjectBase::Method_IsNumeric),
+        MethodMap::Method(L"IsNull", L"", &ObjectBase::Method_IsNull),
+        MethodMap::End(),
+    };
+    return table;
+}
+
+const ObjectBase::MethodMap* ObjectBase::GetMethodMap() const { return _GetMethodMap(); }
+OrvStringT ObjectBase::ToString() const { return OrvStringT(); }
+bool ObjectBase::IsStaticInstance() const { return false; }
+bool ObjectBase::IsNull() const { return false; }
+bool ObjectBase::IsUnit() const { return false; }
+IUnit* ObjectBase::GetUnitInterface() { return nullptr; }
+const IUnit* ObjectBase::GetUnitInterface() const { return nullptr; }
+
+IQueryElement* ObjectBase::GetQueryElement(IObject* obj) {
+    if (obj == nullptr || obj->GetType() != TypeExpression) {
+        return nullptr;
+    }
+    const ObjectExpression* const expression = dynamic_cast<const ObjectExpression*>(obj);
+    return expression == nullptr ? nullptr : expression->GetQueryElement();
+}
+
+const ObjectBase::MethodMap* ObjectBase::FindMethodEntry(const MethodMap* map, const OrvStringT& name) const {
+    return FindRow(this, map, name);
+}
+
+IObject* ObjectBase::Invoke(QueryEngine* engine, const wchar_t* name, const QueryElementList& args, IError** err) {
+    const detail::CallSite* const site = detail::EngineAccess::TakeCallSite(engine, name);
+    return Guarded(err, [&]() -> IObject* {
+        const MethodMap* const map = GetMethodMap();
+        if (site != nullptr && site->table == map) {
+            return CallMethod(engine, *site->entry, name, site->name, args, err);
+        }
+        const std::wstring_view sought(name);
+        if (platform::EqualsIgnoreCaseAscii(sought, L"help")) {
+            return GetHelp();
+        }
+        const MethodMap* const entry = FindRow(this, map, sought);
+        if (entry == nullptr) {
+            return FailNull(err, message::notAMethod, name, GetTypeName());
+        }
+        if (site != nullptr) {
+            site->table = map;
+            site->entry = entry;
+            return CallMethod(engine, *entry, name, site->name, args, err);
+        }
+        return CallMethod(engine, *entry, name, OrvStringT(name), args, err);
+    });
+}
+
+IObject* ObjectBase::CallMethod(QueryEngine* engine, const MethodMap& entry, const wchar_t* name,
+                                const OrvStringT& callName, const QueryElementList& args, IError** err) {
+    if (!entry.isStatic && IsStaticInstance()) {
+        return FailNull(err, message::notStatic, name, GetTypeName());
+    }
+    if (*entry.signature == L'\0' && args.empty()) {
+        // Most calls are reads of properties.
+        return (Adjust(this, entry.handlerAdjust)->*entry.handler)(engine, callName, noParameters, err);
+    }
+    InlineList<ObjectList, 6> params;
+    if (!detail::CollectArguments(engine, name, entry.signature, args, params, err)) {
+        return nullptr;
+    }
+    return (Adjust(this, entry.handlerAdjust)->*entry.handler)(engine, callName, params, err);
+}
+
+bool ObjectBase::ValidateParameters(QueryEngine* engine, const wchar_t* methodName, const OrvStringT& signature,
+                                    const QueryElementList& args, ObjectList& params, IError** err) const {
+    return Guarded(
+        err, [&] { return detail::CollectArguments(engine, methodName, signature.GetString(), args, params, err); });
+}
+
+IObject* ObjectBase::GetHelp() {
+    OrvStringT text;
+    GetMethodList(GetMethodMap(), text);
+    return new ObjectString(std::move(text));
+}
+
+void ObjectBase::GetMethodList(const MethodMap* map, OrvStringT& out) {
+    for (const MethodMap* row = map; !IsEnd(*row); ++row) {
+        if (row->base != nullptr) {
+            GetMethodList(ChainedTable(this, *row), out);
+            continue;
+        }
+        if (*row->name == L'\0') {
+            return; // nothing behind a catch-all can be called
+        }
+        OrvStringT line;
+        line.Format(L"%s.%s(%s)%s", GetTypeName().GetString(), row->name,
+                    detail::DescribeSignature(row->signature).GetString(), row->isStatic ? L" {Static}" : L"");
+        if (!out.IsEmpty()) {
+            out += L'\r'; // a lone carriage return, deliberately: hosts split the listing at it
+        }
+        out += line;
+    }
+}
+
+IObject* ObjectBase::Method_ToBool(QueryEngine*, const OrvStringT&, const ObjectList&, IError** err) {
+    bool value = false;
+    return ToBool(value, err) ? new ObjectBool(value) : nullptr;
+}
+
+IObject* ObjectBase::Method_ToInt(QueryEngine*, const OrvStringT&, const ObjectList&, IError** err) {
+    int value = 0;
+    return ToInt(value, err) ? new ObjectInt(value) : nullptr;
+}
+
+IObject* ObjectBase::Method_ToDouble(QueryEngine*, const OrvStringT&, const ObjectList&, IError** err) {
+    double value = 0;
+    return ToDouble(value, err) ? new ObjectDouble(value) : nullptr;
+}
+
+IObject* ObjectBase::Method_ToString(QueryEngine*, const OrvStringT&, const ObjectList&, IError** err) {
+    OrvStringT text;
+    return ToString(text, err) ? new ObjectString(std::move(text)) : nullptr;
+}
+
+IObject* ObjectBase::Method_TypeName(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
+    return new ObjectString(GetTypeName());
+}
+
+IObject* ObjectBase::Method_This(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
+    AddRef();
+    return this;
+}
+
+IObject* ObjectBase::Method_IsNumeric(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
+    const Reference<IObject> number(ToNumeric(nullptr));
+    return new ObjectBool(static_cast<bool>(number));
+}
+
+IObject* ObjectBase::Method_IsNull(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
+    return new ObjectBool(IsNull());
+}
+
+} // namespace OrvUQL
