@@ -1,0 +1,147 @@
+#include "OrvUQL/QueryEngine.h"
+
+#include "core/EngineAccess.h"
+#include "core/Failure.h"
+#include "eval/Arithmetic.h"
+#include "eval/Comparison.h"
+#include "eval/UnitOperands.h"
+
+namespace OrvUQL {
+
+namespace {
+
+/// Releases first and takes the reference then, as hosts have come to expect: setting the slot's only owner's object
+/// again destroys it.
+void SetSlot(IObject*& slot, IObject* object) {
+    QueryEngine::ReleaseObject(slot);
+    QueryEngine::AddRefObject(object);
+    slot = object;
+}
+
+bool Push(std::vector<IObject*>& stack, IObject*& slot, IObject* object) {
+    return Guarded(nullptr, [&] {
+        stack.push_back(slot);
+        QueryEngine::AddRefObject(object);
+        slot = object;
+        return true;
+    });
+}
+
+void Pop(std::vector<IObject*>& stack, IObject*& slot) {
+    QueryEngine::ReleaseObject(slot);
+    if (!stack.empty()) {
+        slot = stack.back();
+        stack.pop_back();
+    }
+}
+
+void ReleaseStack(std::vector<IObject*>& stack) {
+    while (!stack.empty()) {
+        IObject* object = stack.back();
+        stack.pop_back();
+        QueryEngine::ReleaseObject(object);
+    }
+}
+
+} // namespace
+
+QueryEngine::QueryEngine() noexcept = default;
+
+QueryEngine::~QueryEngine() {
+    for (IUnitFactory* factory : unitFactories) {
+        factory->Release();
+    }
+    ReleaseStack(groupParentStack);
+    ReleaseStack(variableStack);
+    ReleaseObject(global);
+    ReleaseObject(propertySource);
+    ReleaseObject(groupParent);
+    ReleaseObject(variable);
+}
+
+IObject* QueryEngine::Evaluate(IQueryElement* element, IError** err) {
+    errorPosition = -1;
+    IObject* const value = element->Evaluate(this, err);
+    if (value != nullptr) {
+        errorPosition = -1; // a failure on the way that somebody put up with is none of the query's
+    } else if (errorPosition < 0) {
+        errorPosition = element->GetStringPosition();
+    }
+    return value;
+}
+
+void QueryEngine::SetGlobal(IObject* object) { SetSlot(global, object); }
+void QueryEngine::SetPropertySource(IObject* object) { SetSlot(propertySource, object); }
+void QueryEngine::SetGroupParent(IObject* object) { SetSlot(groupParent, object); }
+void QueryEngine::SetVariable(IObject* object) { SetSlot(variable, object); }
+
+bool QueryEngine::PushGroupParent(IObject* object) { return Push(groupParentStack, groupParent, object); }
+bool QueryEngine::PushVariable(IObject* object) { return Push(variableStack, variable, object); }
+void QueryEngine::PopGroupParent() { Pop(groupParentStack, groupParent); }
+void QueryEngine::PopVariable() { Pop(variableStack, variable); }
+
+bool QueryEngine::AddUnitFactory(IUnitFactory* factory) {
+    if (factory == nullptr) {
+        return true;
+    }
+    return Guarded(nullptr, [&] {
+        unitFactories.push_back(factory);
+        factory->AddRef();
+        return true;
+    });
+}
+
+IUnitDefinition* QueryEngine::FindUnit(const wchar_t* name) const {
+    for (IUnitFactory* factory : unitFactories) {
+        if (IUnitDefinition* const unit = factory->FindUnit(name)) {
+            return unit;
+        }
+    }
+    return nullptr;
+}
+
+IObject::EType QueryEngine::GetOperandType(IObject* left, IObject* right) const {
+    return detail::ReduceTypes(left->GetType(), right->GetType());
+}
+
+bool QueryEngine::GetUnitOperands(IObject* left, IObject* right, IUnit** leftUnit, IUnit** rightUnit,
+                                  IError** err) const {
+    detail::UnitOperands units;
+    if (!units.Get(left, right, err)) {
+        return false;
+    }
+    *leftUnit = units.DetachLeft();
+    *rightUnit = units.DetachRight();
+    return true;
+}
+
+bool QueryEngine::CompareObjects(EOperType op, IObject* left, IObject* right, bool& result, IError** err) const {
+    return Guarded(err, [&] {
+        return detail::CompareValues(op, detail::Value::Object(left), detail::Value::Object(right), unitPrecision,
+                                     result, err);
+    });
+}
+
+bool QueryEngine::CompareStrings(EOperType op, const OrvStringT& a, const OrvStringT& b) const {
+    return detail::CompareStrings(op, a, b);
+}
+
+bool QueryEngine::CompareDoubles(EOperType op, double a, double b, double tolerance) const {
+    return detail::CompareDoubles(op, a, b, tolerance);
+}
+
+bool QueryEngine::CompareInts(EOperType op, int a, int b) const { return detail::CompareInts(op, a, b); }
+
+void QueryEngine::ReleaseObject(IObject*& obj) {
+    if (IObject* const object = std::exchange(obj, nullptr)) {
+        object->Release();
+    }
+}
+
+void QueryEngine::AddRefObject(IObject* obj) {
+    if (obj != nullptr) {
+        obj->AddRef();
+    }
+}
+
+} // namespace OrvUQL

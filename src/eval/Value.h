@@ -1,0 +1,136 @@
+// A value on its way up the tree: a scalar or a text without an object around it, or any other value as an object.
+//
+// It is a plain pair of words that is returned in registers; ValueHolder gives it an owner.
+#pragma once
+
+#include "OrvUQL/Object.h"
+#include "OrvUQL/OrvString.h"
+
+#include <utility>
+
+namespace OrvUQL::detail {
+
+/// The first five agree with IObject::EType.
+enum class ValueKind : std::int32_t {
+    Null = IObject::TypeNull,
+    Bool = IObject::TypeBool,
+    Int = IObject::TypeInt,
+    Double = IObject::TypeDouble,
+    Text = IObject::TypeString,
+    Object, ///< none of the above, or one that a host's class or a type object stands for
+    None,   ///< evaluation failed
+};
+
+struct Value {
+    ValueKind kind;
+    union {
+        bool boolean;
+        int integer;
+        double number;
+        wchar_t* text;   ///< one share of a text's buffer
+        IObject* object; ///< one reference
+    };
+
+    static Value None() noexcept { return Value(ValueKind::None); }
+    static Value Null() noexcept { return Value(ValueKind::Null); }
+    static Value Bool(bool boolean) noexcept {
+        Value value(ValueKind::Bool);
+        value.boolean = boolean;
+        return value;
+    }
+    static Value Int(int integer) noexcept {
+        Value value(ValueKind::Int);
+        value.integer = integer;
+        return value;
+    }
+    static Value Double(double number) noexcept {
+        Value value(ValueKind::Double);
+        value.number = number;
+        return value;
+    }
+    static Value Text(OrvStringT text) noexcept {
+        Value value(ValueKind::Text);
+        value.text = text.ReleaseBuffer();
+        return value;
+    }
+    /// Takes the reference over. Null: evaluation failed.
+    static Value Object(IObject* object) noexcept {
+        Value value(object == nullptr ? ValueKind::None : ValueKind::Object);
+        value.object = object;
+        return value;
+    }
+
+    bool Failed() const noexcept { return kind == ValueKind::None; }
+    /// The text of a value of kind Text.
+    OrvStringT SharedText() const noexcept { return OrvStringT::ShareBuffer(text); }
+
+private:
+    explicit Value(ValueKind valueKind) noexcept : kind(valueKind), object(nullptr) {}
+};
+
+/// Owns a value.
+class ValueHolder {
+public:
+    explicit ValueHolder(Value taken) noexcept : value(taken) {}
+    ValueHolder(const ValueHolder&) = delete;
+    ValueHolder& operator=(const ValueHolder&) = delete;
+    ~ValueHolder() { Dispose(); }
+
+    bool Failed() const noexcept { return value.Failed(); }
+    const Value* operator->() const noexcept { return &value; }
+    const Value& Get() const noexcept { return value; }
+    Value Detach() noexcept { return std::exchange(value, Value::None()); }
+    void Reset(Value taken) noexcept {
+        Dispose();
+        value = taken;
+    }
+    /// The text of a value of kind Text, taken out of it.
+    OrvStringT TakeText() noexcept { return OrvStringT::AdoptBuffer(Detach().text); }
+
+private:
+    void Dispose() noexcept {
+        if (value.kind == ValueKind::Object) {
+            value.object->Release();
+        } else if (value.kind == ValueKind::Text) {
+            OrvStringT::AdoptBuffer(value.text);
+        }
+    }
+
+    Value value;
+};
+
+/// The value of an object, whose reference is taken over: without the object if it is exactly one of the library's
+/// scalars or texts. Null: evaluation failed.
+Value Unbox(IObject* object) noexcept;
+
+/// The value as an object with one reference, null if evaluation failed. May throw std::bad_alloc; the value is
+/// disposed of in any case.
+IObject* Box(Value value);
+
+/// A second owner's value: the object with one more reference, the text with one more share.
+inline Value Share(const Value& value) noexcept {
+    if (value.kind == ValueKind::Object) {
+        value.object->AddRef();
+    } else if (value.kind == ValueKind::Text) {
+        return Value::Text(value.SharedText());
+    }
+    return value;
+}
+
+/// The code that operators choose their rule by.
+inline IObject::EType TypeOf(const Value& value) {
+    return value.kind < ValueKind::Object ? static_cast<IObject::EType>(value.kind) : value.object->GetType();
+}
+
+// The conversions, by the same rules as those of the objects; the value stays the caller's.
+bool ToBool(const Value& value, bool& out, IError** err);
+bool ToInt(const Value& value, int& out, IError** err);
+bool ToDouble(const Value& value, double& out, IError** err);
+
+/// Appends the value's text. False, with nothing appended, if an object has no text.
+bool AppendText(OrvStringT& text, const Value& value, IError** err);
+
+/// Replaces the value by its numeric form, an int or a double. False if it has none.
+bool ToNumeric(ValueHolder& value, IError** err);
+
+} // namespace OrvUQL::detail
