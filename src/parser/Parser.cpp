@@ -1,0 +1,253 @@
+#include "parser/Parser.h"
+
+#include "OrvUQL/Operators.h"
+
+#include "platform/TextUnits.h"
+#include "platform/Thread.h"
+
+#include <limits>
+#include <vector>
+
+namespace OrvUQL {
+
+using namespace std::string_view_literals;
+
+namespace {
+
+constexpr std::uint32_t conditionStop =
+    TokenEnd | TokenCloseBracket | TokenCloseParenthesis | TokenComma | TokenColon | TokenQuestion;
+constexpr std::uint32_t logicOperators = TokenAnd | TokenOr;
+constexpr std::uint32_t comparisonStop = conditionStop | logicOperators | TokenNot | TokenBang;
+constexpr std::uint32_t comparisonOperators = TokenLess | TokenGreater | TokenEqual | TokenNotEqual;
+constexpr std::uint32_t sumStop = comparisonStop | comparisonOperators;
+constexpr std::uint32_t sumOperators = TokenPlus | TokenMinus;
+constexpr std::uint32_t termStop = sumStop | sumOperators;
+
+/// An operator's text as written; the common ones without a copy.
+OrvStringT OperatorText(std::wstring_view text) {
+    if (text.size() == 1) {
+        switch (text[0]) {
+        case L'+':
+            return ORV_TEXT(L"+");
+        case L'-':
+            return ORV_TEXT(L"-");
+        case L'*':
+            return ORV_TEXT(L"*");
+        case L'/':
+            return ORV_TEXT(L"/");
+        case L'\\':
+            return ORV_TEXT(L"\\");
+        case L'^':
+            return ORV_TEXT(L"^");
+        case L'=':
+            return ORV_TEXT(L"=");
+        case L'<':
+            return ORV_TEXT(L"<");
+        case L'>':
+            return ORV_TEXT(L">");
+        case L'&':
+            return ORV_TEXT(L"&");
+        case L'|':
+            return ORV_TEXT(L"|");
+        case L'!':
+            return ORV_TEXT(L"!");
+        case L'?':
+            return ORV_TEXT(L"?");
+        default:
+            break;
+        }
+    }
+    if (text == L"and"sv) {
+        return ORV_TEXT(L"and");
+    }
+    if (text == L"or"sv) {
+        return ORV_TEXT(L"or");
+    }
+    if (text == L"not"sv) {
+        return ORV_TEXT(L"not");
+    }
+    return OrvStringT(text);
+}
+
+// The makers take the operands over only when the node is there.
+
+Parser::Element MakeUnary(const OrvStringT& op, Parser::Element& operand, int position) {
+    Parser::Element node(new OperatorUnary(op, operand.Get(), position));
+    operand.Detach();
+    return node;
+}
+
+Parser::Element MakeBinary(const OrvStringT& op, Parser::Element& left, Parser::Element& right, int position) {
+    Parser::Element node(new OperatorBinary(op, left.Get(), right.Get(), position));
+    left.Detach();
+    right.Detach();
+    return node;
+}
+
+Parser::Element MakeTernary(Parser::Element& condition, Parser::Element& first, Parser::Element& second, int position) {
+    Parser::Element node(new OperatorTernary(ORV_TEXT(L"?"), condition.Get(), first.Get(), second.Get(), position));
+    condition.Detach();
+    first.Detach();
+    second.Detach();
+    return node;
+}
+
+} // namespace
+
+// From the loosest to the tightest. A chain ends where a looser level may go on.
+const Parser::Level Parser::logicLevel = {&Parser::ParseComparison, logicOperators, conditionStop};
+const Parser::Level Parser::comparisonLevel = {&Parser::ParseSum, comparisonOperators, comparisonStop};
+const Parser::Level Parser::sumLevel = {&Parser::ParseSigned, sumOperators, sumStop};
+const Parser::Level Parser::termLevel = {&Parser::ParsePower, TokenMultiply, termStop};
+const Parser::Level Parser::powerLevel = {&Parser::ParsePrimary, TokenPower, termStop | TokenMultiply};
+
+Parser::Parser(QueryEngine* owner, const wchar_t* text, IError** errorSlot) noexcept
+    : engine(owner), err(errorSlot), cursor{0, text}, token{TokenEnd, {}} {}
+
+void Parser::MoveTo(int position) noexcept {
+    cursor.position = position;
+    token = ReadToken(cursor);
+}
+
+Parser::Element Parser::ReportUnexpected() {
+    if (Is(TokenEnd)) {
+        return Report(message::unexpectedEnd);
+    }
+    return Report(message::unexpectedToken, token.text);
+}
+
+IQueryElement* Parser::Parse() {
+    MoveTo(0);
+    Element tree = ParseCondition();
+    if (tree && !Is(TokenEnd)) {
+        tree = ReportUnexpected();
+    }
+    return tree.Detach();
+}
+
+Parser::Element Parser::ParseCondition() {
+    if (!platform::HasStack()) {
+        return Report(message::internalError);
+    }
+    Element condition = ParseChain(logicLevel);
+    return condition && Is(TokenQuestion) ? ParseDecisions(std::move(condition)) : std::move(condition);
+}
+
+/// What follows a condition. Each last branch is a condition itself: they are gathered and joined from the end.
+Parser::Element Parser::ParseDecisions(Element condition) {
+    struct Decision {
+        Element condition;
+        Element first;
+        int position;
+    };
+    std::vector<Decision> decisions;
+    Element last = std::move(condition);
+    while (last && Is(TokenQuestion)) {
+        const int position = cursor.position;
+        Advance();
+        Element first = ParseCondition();
+        if (!first) {
+            return first;
+        }
+        if (!Is(TokenColon)) {
+            return Report(message::colonExpected);
+        }
+        Advance();
+        decisions.push_back({std::move(last), std::move(first), position});
+        last = ParseChain(logicLevel);
+    }
+    for (; last && !decisions.empty(); decisions.pop_back()) {
+        Decision& decision = decisions.back();
+        last = MakeTernary(decision.condition, decision.first, last, decision.position);
+    }
+    return last;
+}
+
+Parser::Element Parser::ParseChain(const Level& level) {
+    Element left = (this->*level.parseOperand)();
+    // Most levels of most queries end here, on a small frame.
+    return left && !Is(level.stop) ? ParseChainRest(std::move(left), level) : std::move(left);
+}
+
+Parser::Element Parser::ParseChainRest(Element left, const Level& level) {
+    while (left && !Is(level.stop)) {
+        if (!Is(level.operators)) {
+            return ReportUnexpected();
+        }
+        const int position = cursor.position;
+        const OrvStringT op = ReadOperator();
+        Element right = (this->*level.parseOperand)();
+        if (!right) {
+            return right;
+        }
+        left = MakeBinary(op, left, right, position);
+    }
+    return left;
+}
+
+/// A negation is of the whole chain of comparisons: `not a = b` is `not (a = b)`.
+Parser::Element Parser::ParseComparison() {
+    if (!Is(TokenNot | TokenBang | TokenNotEqual)) {
+        return ParseChain(comparisonLevel);
+    }
+    const OrvStringT negation = OperatorText(token.text);
+    const int position = cursor.position;
+    Advance();
+    Element operand = ParseChain(comparisonLevel);
+    return operand ? MakeUnary(negation, operand, position) : std::move(operand);
+}
+
+Parser::Element Parser::ParseSum() { return ParseChain(sumLevel); }
+
+/// A sign is of the whole term: `-a*b` is `-(a*b)`.
+Parser::Element Parser::ParseSigned() {
+    if (!Is(sumOperators)) {
+        return ParseChain(termLevel);
+    }
+    const OrvStringT sign = OperatorText(token.text);
+    const int position = cursor.position;
+    Advance();
+    Element operand = ParseChain(termLevel);
+    return operand ? MakeUnary(sign, operand, position) : std::move(operand);
+}
+
+Parser::Element Parser::ParsePower() { return ParseChain(powerLevel); }
+
+/// The operator at the cursor. A comparison takes a second character that belongs to it: "=" behind any, "<" and ">"
+/// behind any but "!". What they mean together is decided later; some of them mean nothing.
+OrvStringT Parser::ReadOperator() {
+    std::wstring_view text = token.text;
+    if (Is(comparisonOperators)) {
+        const wchar_t second = text.data()[1];
+        if (second == L'=' || (!Is(TokenNotEqual) && (second == L'<' || second == L'>'))) {
+            text = std::wstring_view(text.data(), 2);
+        }
+    }
+    OrvStringT op = OperatorText(text);
+    MoveTo(cursor.position + static_cast<int>(text.size()));
+    return op;
+}
+
+IQueryElement* QueryEngine::ParseQuery(const wchar_t* text, IError** err) {
+    errorPosition = -1;
+    int position = 0;
+    IQueryElement* const tree = Guarded(err, [&]() -> IQueryElement* {
+        // The text is parsed where it stands, unless it has elements that are no code units: they are split, so that
+        // positions count the same everywhere.
+        const std::wstring_view view(text == nullptr ? L"" : text);
+        if (view.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+            throw std::length_error("query");
+        }
+        const OrvStringT units(platform::HasWide(view) ? OrvStringT(view) : OrvStringT());
+        Parser parser(this, units.IsEmpty() ? view.data() : units.GetString(), err);
+        IQueryElement* const result = parser.Parse();
+        position = parser.GetPosition();
+        return result;
+    });
+    if (tree == nullptr) {
+        errorPosition = position;
+    }
+    return tree;
+}
+
+} // namespace OrvUQL
