@@ -61,7 +61,7 @@ QueryEngine::~QueryEngine() {
 
 IObject* QueryEngine::Evaluate(IQueryElement* element, IError** err) {
     errorPosition = -1;
-    IObject* const value = element->Evaluate(this, err);
+    IObject* const value = Guarded(err, [&] { return element->Evaluate(this, err); });
     if (value != nullptr) {
         errorPosition = -1; // a failure on the way that somebody put up with is none of the query's
     } else if (errorPosition < 0) {
