@@ -46,6 +46,38 @@ void PutExponent(UnitWriter& writer, int exponent) noexcept {
     writer.Put(std::string_view(text, static_cast<std::size_t>(end - text)));
 }
 
+/// Writes a positive number that has up to four decimals, as prices and lengths have, and says whether it is one.
+/// With less than 16 digits the quotient n / 10^k, which is rounded correctly, is the double that these digits read
+/// back to; and the first k for which it is the value gives the shortest.
+bool PutFewDecimals(UnitWriter& writer, double value) noexcept {
+    constexpr double powers[] = {10.0, 100.0, 1000.0, 10000.0};
+    constexpr double limit = 1e15;
+    for (int decimals = 1; decimals <= 4; ++decimals) {
+        const double scaled = value * powers[decimals - 1];
+        if (!(scaled < limit)) {
+            return false;
+        }
+        const auto digits = static_cast<std::int64_t>(scaled + 0.5);
+        if (static_cast<double>(digits) / powers[decimals - 1] != value) {
+            continue;
+        }
+        char text[doubleTextUnits];
+        char* const end = text + sizeof text;
+        char* at = end;
+        std::int64_t rest = digits;
+        for (int written = 0; written <= decimals || rest != 0; ++written) {
+            if (written == decimals) {
+                *--at = '.';
+            }
+            *--at = static_cast<char>('0' + rest % 10);
+            rest /= 10;
+        }
+        writer.Put(std::string_view(at, static_cast<std::size_t>(end - at)));
+        return true;
+    }
+    return false;
+}
+
 } // namespace
 
 int FormatInteger(int value, int radix, wchar_t* buffer) noexcept {
@@ -91,6 +123,10 @@ int FormatDouble(double value, wchar_t* buffer) noexcept {
         char whole[doubleTextUnits];
         const char* const last = std::to_chars(whole, whole + sizeof whole, static_cast<std::int64_t>(value)).ptr;
         writer.Put(std::string_view(whole, static_cast<std::size_t>(last - whole)));
+        return writer.Finish();
+    }
+
+    if (PutFewDecimals(writer, value)) {
         return writer.Finish();
     }
 

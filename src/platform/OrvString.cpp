@@ -69,9 +69,9 @@ template <typename IsOut> std::wstring_view Trimmed(std::wstring_view text, bool
 /// A text with a buffer of its own and room for `capacity` units, of which the first `length` are still to be written.
 OrvStringT OrvStringT::WithLength(std::int64_t length, std::int64_t capacity) {
     CheckedLength(static_cast<std::size_t>(length));
-    // The memory comes in steps of 16 bytes, so the whole step may be used.
+    // The memory comes in steps, so the whole step may be used.
     std::size_t size = BlockSize(std::min(capacity, greatestLength));
-    size = (size + poolStep - 1) / poolStep * poolStep;
+    size = PoolBlockSize(PoolClass(size));
     const auto room = static_cast<std::int64_t>((size - sizeof(OrvTextHeader)) / sizeof(wchar_t)) - 1;
     const auto usable = static_cast<int>(std::min(room, greatestLength));
     auto* const header = ::new (PoolAllocate(BlockSize(usable))) OrvTextHeader{1, static_cast<int>(length), usable};

@@ -7,9 +7,7 @@ namespace OrvUQL::platform {
 namespace {
 
 // A block goes to the list of its own size class on whichever thread frees it, so it is made as large as its class.
-std::size_t BlockSize(std::size_t size) noexcept {
-    return size > poolLimit ? size : (size + poolStep - 1) / poolStep * poolStep;
-}
+std::size_t BlockSize(std::size_t size) noexcept { return size > poolLimit ? size : PoolBlockSize(PoolClass(size)); }
 
 bool OpenPool(ThreadState& thread) noexcept {
     if (thread.poolClosed || thread.poolOpen) {

@@ -7,7 +7,7 @@
 
 /// Memory for small, short-lived things: values, elements, texts.
 ///
-/// Each thread keeps lists of free blocks, one for every 16 bytes of size up to 128, each at most 256 blocks long, over
+/// Each thread keeps lists of free blocks, one for every 16 bytes of size up to 136, each at most 256 blocks long, over
 /// ::operator new. Blocks belong to no thread: one may be given back on any thread, also on one whose lists were already
 /// torn down, where it goes straight to ::operator delete. The lists are given back when their thread ends.
 ///
@@ -26,7 +26,7 @@
 namespace OrvUQL::platform {
 
 /// The greatest block that the lists keep.
-inline constexpr std::size_t poolLimit = poolStep * poolClasses;
+inline constexpr std::size_t poolLimit = PoolBlockSize(poolClasses - 1);
 
 /// How many free blocks of one size a thread keeps.
 inline constexpr int poolRoom = 256;
@@ -38,7 +38,7 @@ void PoolFreeSlowly(void* block, std::size_t size) noexcept;
 
 /// At least `size` bytes (1 or more), aligned for every ordinary type. Throws std::bad_alloc.
 inline void* PoolAllocate(std::size_t size) {
-    const std::size_t list = (size - 1) / poolStep;
+    const std::size_t list = PoolClass(size);
     if (list < poolClasses) {
         PoolList& free = CurrentThread().pool[list];
         if (PoolList::Block* const block = free.head) {
@@ -52,7 +52,7 @@ inline void* PoolAllocate(std::size_t size) {
 
 /// Gives back what PoolAllocate returned for the same `size`.
 inline void PoolFree(void* block, std::size_t size) noexcept {
-    const std::size_t list = (size - 1) / poolStep;
+    const std::size_t list = PoolClass(size);
     if (list < poolClasses) {
         PoolList& free = CurrentThread().pool[list];
         if (free.room > 0) {

@@ -22,8 +22,14 @@ struct PoolList {
     int room = 0; ///< how many more blocks the list takes; nothing before the thread's first use and after its end
 };
 
+// Blocks of 8, 24, 40, ... bytes: heaps keep 8 bytes of their own beside each block and deal in multiples of 16.
 inline constexpr std::size_t poolStep = 16;
-inline constexpr std::size_t poolClasses = 8;
+inline constexpr std::size_t poolSmallest = 8;
+inline constexpr std::size_t poolClasses = 9;
+
+/// The list for blocks of at least `size` bytes, and how large its blocks are.
+constexpr std::size_t PoolClass(std::size_t size) noexcept { return (size + poolStep - poolSmallest - 1) / poolStep; }
+constexpr std::size_t PoolBlockSize(std::size_t list) noexcept { return list * poolStep + poolSmallest; }
 
 /// Objects whose last reference went away while the stack was short, waiting in the order in which that happened.
 class PendingReleases {

@@ -1,0 +1,184 @@
+#include "platform/Thread.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <pthread.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <ucontext.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+using namespace OrvUQL::platform;
+
+// Stacks of every kind: small and great ones, one without a limit, and switched ones.
+
+namespace {
+
+/// Runs a function on a thread with that much stack.
+void RunWithStack(std::size_t size, std::function<void()> run) {
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, size), 0);
+    pthread_t thread{};
+    const auto start = [](void* function) -> void* {
+        (*static_cast<std::function<void()>*>(function))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, start, &run), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+/// Touches the stack down to an address, with a margin for the size of its own frame.
+__attribute__((noinline)) void UseStackDownTo(std::uintptr_t lowest) {
+    volatile char block[512];
+    for (std::size_t i = 0; i < sizeof block; i += 64) {
+        block[i] = 1;
+    }
+    if (ORVUQL_FRAME_ADDRESS() > lowest + 4096) {
+        UseStackDownTo(lowest);
+    }
+    block[0] = 2;
+}
+
+/// Recurses until the stack runs short, uses part of the reserve there, and returns how deep it came.
+__attribute__((noinline)) std::uintptr_t Descend(std::uintptr_t top, std::size_t reserve, std::size_t leaf) {
+    const std::uintptr_t here = ORVUQL_FRAME_ADDRESS();
+    if (!HasStack(reserve)) {
+        UseStackDownTo(here - leaf);
+        return top - here;
+    }
+    volatile char frame[200];
+    frame[0] = 1;
+    const std::uintptr_t depth = Descend(top, reserve, leaf);
+    frame[1] = frame[0];
+    return depth;
+}
+
+std::uintptr_t DepthFromHere(std::size_t reserve, std::size_t leaf) {
+    return Descend(ORVUQL_FRAME_ADDRESS(), reserve, leaf);
+}
+
+/// A function on a stack of its own that can be left and entered again.
+class Coroutine {
+public:
+    Coroutine(std::size_t size, std::function<void(Coroutine&)> function) : body(std::move(function)), bytes(size) {
+        memory = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        ::mprotect(memory, 4096, PROT_NONE);
+        getcontext(&inside);
+        inside.uc_stack.ss_sp = memory;
+        inside.uc_stack.ss_size = bytes;
+        inside.uc_link = &outside;
+        const auto self = reinterpret_cast<std::uintptr_t>(this);
+        makecontext(&inside, reinterpret_cast<void (*)()>(Start), 2, static_cast<unsigned>(self >> 32),
+                    static_cast<unsigned>(self));
+    }
+    ~Coroutine() { ::munmap(memory, bytes); }
+    Coroutine(const Coroutine&) = delete;
+    Coroutine& operator=(const Coroutine&) = delete;
+
+    void Enter() { swapcontext(&outside, &inside); }
+    void Leave() { swapcontext(&inside, &outside); }
+
+private:
+    std::function<void(Coroutine&)> body;
+    std::size_t bytes;
+    void* memory = nullptr;
+    ucontext_t inside{};
+    ucontext_t outside{};
+
+    static void Start(unsigned high, unsigned low) {
+        auto* const self = reinterpret_cast<Coroutine*>(std::uintptr_t{high} << 32 | low);
+        self->body(*self);
+    }
+};
+
+} // namespace
+
+TEST(Thread, RecursionEndsAboveTheReserveOfASmallStack) {
+    RunWithStack(256 * 1024, [] {
+        ASSERT_TRUE(HasStack());
+        const std::uintptr_t depth = DepthFromHere(stackReserve, stackReserve - 8 * 1024);
+        EXPECT_GT(depth, 120u * 1024);
+        EXPECT_LT(depth, 193u * 1024);
+        EXPECT_FALSE(HasStack(256 * 1024));
+        EXPECT_TRUE(HasStack(100 * 1024));
+    });
+}
+
+TEST(Thread, RecursionUsesAGreatStack) {
+    RunWithStack(std::size_t{512} * 1024 * 1024,
+                 [] { EXPECT_GT(DepthFromHere(stackReserve, 1024), std::uintptr_t{500} * 1024 * 1024); });
+}
+
+TEST(Thread, RecursionEndsOnAnUnlimitedStack) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        const rlimit unlimited{RLIM_INFINITY, RLIM_INFINITY};
+        if (setrlimit(RLIMIT_STACK, &unlimited) != 0) {
+            // Only a process that has the right to may raise the limit; the stack then is what it was.
+            _exit(DepthFromHere(stackReserve, 1024) > 0 ? 0 : 1);
+        }
+        CurrentThread() = ThreadState();
+        const std::uintptr_t depth = DepthFromHere(stackReserve, stackReserve - 8 * 1024);
+        _exit(depth > unlimitedStackSize - 1024 * 1024 && depth < unlimitedStackSize ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST(Thread, SwitchedStackIsUsedForSixtyFourKibibytes) {
+    std::uintptr_t depth = 0;
+    Coroutine coroutine(512 * 1024, [&depth](Coroutine&) {
+        EXPECT_TRUE(HasStack());
+        depth = DepthFromHere(stackReserve, foreignStackReserve - 4 * 1024);
+    });
+    coroutine.Enter();
+    EXPECT_GT(depth, 40u * 1024);
+    EXPECT_LT(depth, foreignStackSize);
+    EXPECT_TRUE(HasStack()); // back on the thread's own
+}
+
+TEST(Thread, FirstQuestionMayComeFromASwitchedStack) {
+    RunWithStack(256 * 1024, [] {
+        std::uintptr_t depth = 0;
+        Coroutine coroutine(256 * 1024, [&depth](Coroutine&) { depth = DepthFromHere(stackReserve, 1024); });
+        coroutine.Enter();
+        EXPECT_GT(depth, 40u * 1024);
+        EXPECT_LT(depth, foreignStackSize);
+        EXPECT_GT(DepthFromHere(stackReserve, 1024), 120u * 1024);
+    });
+}
+
+TEST(Thread, ManySwitchedStacksInTurn) {
+    std::vector<std::unique_ptr<Coroutine>> coroutines;
+    std::vector<std::uintptr_t> depths;
+    for (int i = 0; i < 8; ++i) {
+        coroutines.push_back(std::make_unique<Coroutine>(256 * 1024, [&depths](Coroutine& self) {
+            for (int round = 0; round < 3; ++round) {
+                depths.push_back(DepthFromHere(stackReserve, 1024));
+                self.Leave();
+            }
+        }));
+    }
+    for (int round = 0; round < 3; ++round) {
+        for (const auto& coroutine : coroutines) {
+            coroutine->Enter();
+            EXPECT_TRUE(HasStack());
+        }
+    }
+    ASSERT_EQ(depths.size(), 24u);
+    for (const std::uintptr_t depth : depths) {
+        EXPECT_GT(depth, 40u * 1024);
+        EXPECT_LT(depth, foreignStackSize);
+    }
+}
