@@ -4,6 +4,8 @@
 #include "OrvUQL/ObjectBase.h"
 #include "OrvUQL/QueryElement.h"
 
+#include <typeinfo>
+
 namespace OrvUQL {
 
 /// A literal: evaluates to its own value with one more reference.
@@ -40,11 +42,12 @@ private:
 
 namespace detail {
 
-/// What a call site remembers of its last look-up: the row found in a table stays the same row.
+/// What a call site remembers of its last look-up. Which tables a class has depends on the class alone, so the row
+/// found for one object of a class is that of all.
 struct CallSite {
     OrvStringT name;                                      ///< as the call passes it, without "@" or "$"
-    mutable const ObjectBase::MethodMap* table = nullptr; ///< the table of the last look-up
-    mutable const ObjectBase::MethodMap* entry = nullptr; ///< the row found in it
+    mutable const std::type_info* type = nullptr;         ///< the class of the last look-up
+    mutable const ObjectBase::MethodMap* entry = nullptr; ///< the row found
 };
 
 } // namespace detail

@@ -38,3 +38,10 @@
 #else
 #define ORVUQL_SHARED_TYPE __attribute__((visibility("default")))
 #endif
+
+/// Keeps a function out of its callers.
+#if defined(_MSC_VER)
+#define ORVUQL_NOINLINE __declspec(noinline)
+#else
+#define ORVUQL_NOINLINE __attribute__((noinline))
+#endif

@@ -45,6 +45,14 @@ private:
     IObject* Method_IndexOf(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
     IObject* Method_ToCharArray(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
     IObject* Method_ParseInt(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_RegMatchContains(QueryEngine* engine, const OrvStringT& name, const ObjectList& params,
+                                     IError** err);
+    IObject* Method_RegMatchContainsEx(QueryEngine* engine, const OrvStringT& name, const ObjectList& params,
+                                       IError** err);
+    IObject* Method_RegReplace(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_RegReplaceEx(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_RegSplit(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
+    IObject* Method_RegFind(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
 
     OrvStringT value;
 };

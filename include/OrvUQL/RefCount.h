@@ -59,7 +59,7 @@ public:
     /// Releasing an object whose count is already 0 is undefined.
     void Release() override {
         if (--refCount == 0) {
-            delete this;
+            Destroy();
         }
     }
 
@@ -71,6 +71,11 @@ protected:
 
     /// References held now; the object destroys itself when it gets to 0.
     std::int32_t refCount = 1;
+
+private:
+    // Out of line, or g++ guesses the class where it sees the object being made, and warns of what would happen if it
+    // guessed wrong.
+    ORVUQL_NOINLINE void Destroy() { delete this; }
 };
 
 /// What ObjectList and QueryElementList have in common: a growable sequence of pointers to T, null allowed, that owns

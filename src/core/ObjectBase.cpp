@@ -95,20 +95,20 @@ const ObjectBase::MethodMap* ObjectBase::FindMethodEntry(const MethodMap* map, c
 IObject* ObjectBase::Invoke(QueryEngine* engine, const wchar_t* name, const QueryElementList& args, IError** err) {
     const detail::CallSite* const site = detail::EngineAccess::TakeCallSite(engine, name);
     return Guarded(err, [&]() -> IObject* {
-        const MethodMap* const map = GetMethodMap();
-        if (site != nullptr && site->table == map) {
+        const std::type_info* const type = &typeid(*this);
+        if (site != nullptr && site->type == type) {
             return CallMethod(engine, *site->entry, name, site->name, args, err);
         }
         const std::wstring_view sought(name);
         if (platform::EqualsIgnoreCaseAscii(sought, L"help")) {
             return GetHelp();
         }
-        const MethodMap* const entry = FindRow(this, map, sought);
+        const MethodMap* const entry = FindRow(this, GetMethodMap(), sought);
         if (entry == nullptr) {
             return FailNull(err, message::notAMethod, name, GetTypeName());
         }
         if (site != nullptr) {
-            site->table = map;
+            site->type = type;
             site->entry = entry;
             return CallMethod(engine, *entry, name, site->name, args, err);
         }

@@ -65,6 +65,16 @@ inline bool CheckStack(const IQueryElement* element, QueryEngine* engine, IError
     return Fail(err, message::internalError);
 }
 
+/// Runs the element's own work. An exception that leaves it, as where memory ends, has the element's position.
+template <class Work> auto WorkAt(QueryEngine* engine, int position, Work&& work) {
+    try {
+        return work();
+    } catch (...) {
+        EngineAccess::SetErrorPositionIfNone(engine, position);
+        throw;
+    }
+}
+
 /// Guarded(), with the position of the failing element.
 template <class Body>
 IObject* EvaluateGuarded(const IQueryElement* element, QueryEngine* engine, IError** err, Body&& body) {

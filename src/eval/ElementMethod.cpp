@@ -114,6 +114,8 @@ IObject* ElementMethod::Call(IObject* target, QueryEngine* engine, IError** err)
     IObject* const result = target->Invoke(engine, site.name.GetString(), arguments, err);
     if (result == nullptr) {
         EngineAccess::SetErrorPositionIfNone(engine, position);
+    } else {
+        EngineAccess::ClearErrorPosition(engine); // what failed inside was put up with
     }
     return result;
 }

@@ -183,7 +183,7 @@ Value OperatorBinary::Apply(Value leftValue, QueryEngine* engine, IError** err) 
     }
     Value result = Value::None();
     if (!ComputeNumbers(code, leftHolder.Get(), rightHolder.Get(), result, err)) {
-        result = Compute(code, leftHolder, rightHolder, engine, err);
+        result = detail::WorkAt(engine, position, [&] { return Compute(code, leftHolder, rightHolder, engine, err); });
     }
     if (result.Failed()) {
         detail::FailAt(engine, position);
@@ -194,7 +194,10 @@ Value OperatorBinary::Apply(Value leftValue, QueryEngine* engine, IError** err) 
 /// The right operand is evaluated only where it decides: after a true "and", after a false "or".
 Value OperatorBinary::EvaluateAndOr(QueryEngine* engine, const Value& leftValue, IError** err) const {
     bool truth = false;
-    if (!detail::ToBool(leftValue, truth, err)) {
+    const auto decide = [&](const Value& value) {
+        return detail::WorkAt(engine, position, [&] { return detail::ToBool(value, truth, err); });
+    };
+    if (!decide(leftValue)) {
         detail::FailAt(engine, position);
         return Value::None();
     }
@@ -203,7 +206,7 @@ Value OperatorBinary::EvaluateAndOr(QueryEngine* engine, const Value& leftValue,
         if (rightHolder.Failed()) {
             return Value::None();
         }
-        if (!detail::ToBool(rightHolder.Get(), truth, err)) {
+        if (!decide(rightHolder.Get())) {
             detail::FailAt(engine, position);
             return Value::None();
         }

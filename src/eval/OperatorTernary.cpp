@@ -50,7 +50,10 @@ const IQueryElement* OperatorTernary::EvaluateIIf(QueryEngine* engine, ElementKi
             return nullptr;
         }
         bool truth = false;
-        if (node->code != OperatorCode::Conditional || !detail::ToBool(value.Get(), truth, err)) {
+        const bool decided = node->code == OperatorCode::Conditional && detail::WorkAt(engine, node->position, [&] {
+                                 return detail::ToBool(value.Get(), truth, err);
+                             });
+        if (!decided) {
             return detail::FailAt(engine, node->position);
         }
         const IQueryElement* const branch = truth ? node->first : node->second;

@@ -30,15 +30,14 @@ Value OperatorUnary::EvaluateValue(QueryEngine* engine, IError** err) const {
     if (value.Failed()) {
         return Value::None();
     }
-    Value result = Value::None();
-    if (code == OperatorCode::Not) {
-        bool truth = false;
-        if (detail::ToBool(value.Get(), truth, err)) {
-            result = Value::Bool(!truth);
+    const Value result = detail::WorkAt(engine, position, [&] {
+        if (code == OperatorCode::Not) {
+            bool truth = false;
+            return detail::ToBool(value.Get(), truth, err) ? Value::Bool(!truth) : Value::None();
         }
-    } else if (code != OperatorCode::Unknown) {
-        result = detail::EvaluateSign(code == OperatorCode::Minus, value, err);
-    }
+        return code == OperatorCode::Unknown ? Value::None()
+                                             : detail::EvaluateSign(code == OperatorCode::Minus, value, err);
+    });
     if (result.Failed()) {
         detail::FailAt(engine, position);
     }

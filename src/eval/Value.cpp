@@ -20,6 +20,11 @@ namespace {
 /// slower.
 template <class T> bool IsExactly(const std::type_info& type) noexcept { return &type == &typeid(T); }
 
+/// A type object such as `int` is passed on as it is: whoever gets it may ask for more than its value.
+template <class T> bool IsTypeObject(const IObject* object) noexcept {
+    return static_cast<const T*>(object)->ObjectBaseStaticImpl::IsStaticInstance();
+}
+
 /// Gives a reference back to a value that is exactly T, one of the pooled scalars: what Release() does, without the calls.
 template <class T> void ReleaseScalar(T* object) noexcept {
     if (--CountAccess::Count(object) == 0) {
@@ -40,25 +45,25 @@ Value Unbox(IObject* object) noexcept {
         return Value::None();
     }
     const std::type_info& type = typeid(*object);
-    if (IsExactly<ObjectInt>(type)) {
+    if (IsExactly<ObjectInt>(type) && !IsTypeObject<ObjectInt>(object)) {
         ObjectInt* const number = static_cast<ObjectInt*>(object);
         const Value value = Value::Int(number->GetValue());
         ReleaseScalar(number);
         return value;
     }
-    if (IsExactly<ObjectDouble>(type)) {
+    if (IsExactly<ObjectDouble>(type) && !IsTypeObject<ObjectDouble>(object)) {
         ObjectDouble* const number = static_cast<ObjectDouble*>(object);
         const Value value = Value::Double(number->GetValue());
         ReleaseScalar(number);
         return value;
     }
-    if (IsExactly<ObjectString>(type)) {
+    if (IsExactly<ObjectString>(type) && !IsTypeObject<ObjectString>(object)) {
         ObjectString* const text = static_cast<ObjectString*>(object);
         const Value value = Value::Text(text->GetValue());
         ReleaseScalar(text);
         return value;
     }
-    if (IsExactly<ObjectBool>(type)) {
+    if (IsExactly<ObjectBool>(type) && !IsTypeObject<ObjectBool>(object)) {
         ObjectBool* const truth = static_cast<ObjectBool*>(object);
         const Value value = Value::Bool(truth->GetValue());
         ReleaseScalar(truth);

@@ -79,9 +79,16 @@ OrvStringT ObjectArrayBase::ToString() const {
             continue;
         }
         OrvStringT itemText;
-        if (item->ToString(itemText, nullptr)) {
+        IError* error = nullptr;
+        if (item->ToString(itemText, &error)) {
             text += itemText;
         } else {
+            // An item that has no text shows its type. One whose text did not fit into memory or stack has one, and a
+            // text without it would be wrong.
+            const Reference<IError> held(error);
+            if (held && held->GetMessageW() == message::internalError) {
+                throw std::bad_alloc();
+            }
             text += L'<';
             text += item->GetTypeName();
             text += L'>';
