@@ -38,7 +38,9 @@ private:
     IObject* item;
     IObject* index;
     IObject* data;
-    int position = 0; // stands for an index object that nobody has asked for yet; 0: none
+    int position =
+        0; // while an array method evaluates: the index, whose object is made when it is asked for, as a null
+           // `lasteval` is; 0 else
 };
 
 } // namespace OrvUQL

@@ -2,6 +2,7 @@
 
 #include "OrvUQL/Scalars.h"
 
+#include "core/CountAccess.h"
 #include "core/EngineAccess.h"
 
 #include <utility>
@@ -27,46 +28,37 @@ void ReleaseField(IObject*& field) {
 } // namespace
 
 ItemEvaluation::ItemEvaluation(QueryEngine* queryEngine, const IQueryElement* element, IObject* userData)
-    : engine(queryEngine), expression(element), data(ShareOrNull(userData)), null(new ObjectNull()) {}
+    : engine(queryEngine), expression(element), data(ShareOrNull(userData)) {}
 
-ItemEvaluation::~ItemEvaluation() { Drop(); }
+ItemEvaluation::~ItemEvaluation() = default;
 
 IObject* ItemEvaluation::Evaluate(IObject* lasteval, IObject* item, int position, IError** err) {
     Reference<IObject> heldLast(lasteval);
     Reference<IObject> heldItem(item);
-    if (iterator == nullptr) {
-        Reference<ObjectIterator> fresh(new ObjectIterator(nullptr, nullptr, nullptr, data.Get()));
-        if (!engine->PushVariable(fresh.Get())) {
-            throw std::bad_alloc();
-        }
-        iterator = fresh.Detach();
-    }
-    if (!heldLast) {
-        null->AddRef();
-        heldLast.Reset(null.Get());
+    if (!iterator) {
+        iterator.Reset(new ObjectIterator(nullptr, nullptr, nullptr, data.Get()));
     }
     iterator->lasteval = heldLast.Detach();
     iterator->item = heldItem.Detach();
     iterator->position = position;
-    IObject* const result = EvaluateArgument(expression, engine, err);
-    // Its own reference and the engine's: nobody else looks at it, and it can be filled again.
-    constexpr int own = 2;
-    if (iterator->refCount == own && engine->GetVariable() == iterator) {
-        ReleaseField(iterator->lasteval);
-        ReleaseField(iterator->item);
-        ReleaseField(iterator->index);
-    } else {
-        Drop();
+    if (!engine->PushVariable(iterator.Get())) {
+        throw std::bad_alloc();
     }
-    return result;
-}
-
-void ItemEvaluation::Drop() noexcept {
-    if (iterator != nullptr) {
-        engine->PopVariable();
-        iterator->Release();
-        iterator = nullptr;
-    }
+    struct Pop { // before anything else can ask for the variable: the array, or the value's conversion
+        QueryEngine* engine;
+        Reference<ObjectIterator>& iterator;
+        ~Pop() {
+            engine->PopVariable();
+            if (CountAccess::Count(iterator.Get()) != 1) {
+                iterator.Reset(nullptr); // somebody kept it, and it stays as it is
+                return;
+            }
+            ReleaseField(iterator->lasteval);
+            ReleaseField(iterator->item);
+            ReleaseField(iterator->index);
+        }
+    } pop{engine, iterator};
+    return EvaluateArgument(expression, engine, err);
 }
 
 } // namespace OrvUQL::detail

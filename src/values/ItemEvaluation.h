@@ -10,7 +10,7 @@
 namespace OrvUQL::detail {
 
 /// One loop over an array. The iterator that the expression sees is made anew for an item only if the expression of
-/// the one before kept it; else it is filled again, and stays the engine's variable in between.
+/// the one before kept it; else it is filled again.
 class ItemEvaluation {
 public:
     /// Everything is borrowed for the loop's duration; `data` may be null, which stands for a null value.
@@ -20,17 +20,15 @@ public:
     ~ItemEvaluation();
 
     /// Evaluates for `item` at a 1-based position. The references to `lasteval` and `item` are taken over, also on
-    /// failure; a null `lasteval` stands for a null value. Returns the value with a reference, or null. May throw.
+    /// failure; a null `lasteval` stands for a null value, made if it is asked for. Returns the value with a
+    /// reference, or null. May throw.
     IObject* Evaluate(IObject* lasteval, IObject* item, int position, IError** err);
 
 private:
-    void Drop() noexcept;
-
     QueryEngine* engine;
     const IQueryElement* expression;
     Reference<IObject> data;
-    Reference<IObject> null;
-    ObjectIterator* iterator = nullptr; // one reference, and one more as the engine's variable
+    Reference<ObjectIterator> iterator;
 };
 
 } // namespace OrvUQL::detail

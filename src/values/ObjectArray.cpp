@@ -79,14 +79,12 @@ OrvStringT ObjectArrayBase::ToString() const {
             continue;
         }
         OrvStringT itemText;
-        IError* error = nullptr;
-        if (item->ToString(itemText, &error)) {
+        if (item->ToString(itemText, nullptr)) {
             text += itemText;
         } else {
-            // An item that has no text shows its type. One whose text did not fit into memory or stack has one, and a
-            // text without it would be wrong.
-            const Reference<IError> held(error);
-            if (held && held->GetMessageW() == message::internalError) {
+            // An expression or a host's value may have no text, and shows its type. The language's own values have one;
+            // where it did not fit into memory or stack, a text without it would be wrong.
+            if (item->GetType() <= TypeUnit) {
                 throw std::bad_alloc();
             }
             text += L'<';

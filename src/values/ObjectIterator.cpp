@@ -51,6 +51,12 @@ const ObjectBase::MethodMap* ObjectIterator::GetMethodMap() const { return _GetM
 OrvStringT ObjectIterator::GetTypeName() const { return ORV_TEXT(L"iterator"); }
 
 IObject* ObjectIterator::Method_LastEval(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
+    if (lasteval == nullptr && position > 0) {
+        lasteval = new ObjectNull();
+    }
+    if (lasteval == nullptr && position > 0) {
+        lasteval = new ObjectNull();
+    }
     return Share(lasteval);
 }
 

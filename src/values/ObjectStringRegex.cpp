@@ -1,5 +1,5 @@
-// The methods of strings that take a regular expression. Each one's last argument says whether case matters; it does unless
-// told otherwise.
+// The methods of strings that take a regular expression. Each one's last argument says whether case matters; it does
+// unless told otherwise.
 
 #include "OrvUQL/ObjectArray.h"
 #include "OrvUQL/ObjectString.h"
@@ -27,8 +27,8 @@ constexpr syntax_option_type withoutGroups =
     std::regex_constants::ECMAScript | std::regex_constants::nosubs | std::regex_constants::collate;
 constexpr syntax_option_type withGroups = std::regex_constants::ECMAScript | std::regex_constants::collate;
 
-/// Runs what works on patterns and texts alone; null, or what stands for it, with an error where that fails. Nothing that a host wrote may run inside:
-/// what it throws would be taken for the matcher's.
+/// Runs what works on patterns and texts alone; null, or what stands for it, with an error where that fails. Nothing
+/// that a host wrote may run inside: what it throws would be taken for the matcher's.
 template <class Body> auto Matching(IError** err, Body&& body) -> decltype(body()) {
     try {
         return body();
