@@ -54,9 +54,6 @@ IObject* ObjectIterator::Method_LastEval(QueryEngine*, const OrvStringT&, const 
     if (lasteval == nullptr && position > 0) {
         lasteval = new ObjectNull();
     }
-    if (lasteval == nullptr && position > 0) {
-        lasteval = new ObjectNull();
-    }
     return Share(lasteval);
 }
 
