@@ -38,9 +38,9 @@ private:
     IObject* item;
     IObject* index;
     IObject* data;
-    int position =
-        0; // while an array method evaluates: the index, whose object is made when it is asked for, as a null
-           // `lasteval` is; 0 else
+    // While an array method evaluates, the index, else 0: the objects of an index and of a null `lasteval` are made when
+    // the expression asks for them.
+    int position = 0;
 };
 
 } // namespace OrvUQL

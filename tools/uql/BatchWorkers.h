@@ -1,0 +1,60 @@
+// The threads that evaluate batches.
+#pragma once
+
+#include "Options.h"
+#include "RecordBatch.h"
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace OrvUQL::Tool {
+
+/// Takes batches and gives them back evaluated, in the same order. Each thread has an engine, a query tree and a JSON
+/// reader of its own.
+class BatchWorkers {
+public:
+    /// `queryText` must have been parsed once without an error; it and the options are borrowed. With one job the batches
+    /// are evaluated by the caller's thread.
+    BatchWorkers(const std::string& queryText, const QueryOptions& queryOptions, const Printer& resultPrinter);
+    BatchWorkers(const BatchWorkers&) = delete;
+    BatchWorkers& operator=(const BatchWorkers&) = delete;
+    /// Batches that have not been begun are given up.
+    ~BatchWorkers();
+
+    bool IsEmpty() const { return pending.empty(); }
+    /// As many batches as keep every thread busy while the oldest is waited for.
+    bool IsFull() const { return pending.size() >= capacity; }
+    void Submit(std::unique_ptr<RecordBatch> batch);
+    /// Waits for the oldest batch. Throws what its evaluation threw.
+    std::unique_ptr<RecordBatch> Take();
+
+private:
+    struct Entry {
+        std::unique_ptr<RecordBatch> batch;
+        bool isDone = false;
+    };
+    class Worker;
+
+    void Run();
+
+    const std::string& text;
+    const QueryOptions& options;
+    const Printer& printer;
+    std::size_t capacity;
+    std::unique_ptr<Worker> ownWorker;          // of the caller's thread, if there are no others
+    std::deque<std::shared_ptr<Entry>> pending; // the caller's: all that has been submitted and not taken
+    std::mutex mutex;                           // guards what follows and the entries
+    std::condition_variable workArrived;
+    std::condition_variable workDone;
+    std::deque<std::shared_ptr<Entry>> waiting;
+    bool isClosing = false;
+    std::vector<std::thread> threads;
+};
+
+} // namespace OrvUQL::Tool

@@ -1,0 +1,86 @@
+#include "File.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+#include <utility>
+
+namespace OrvUQL::Tool {
+
+namespace {
+
+bool WriteAll(int handle, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(handle, bytes.data(), bytes.size());
+        if (written < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            if (errno == EAGAIN) { // somebody made the stream non-blocking
+                pollfd wait{handle, POLLOUT, 0};
+                ::poll(&wait, 1, -1);
+                continue;
+            }
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+} // namespace
+
+InputFile::InputFile(InputFile&& other) noexcept
+    : path(std::move(other.path)), handle(std::exchange(other.handle, -1)) {}
+
+InputFile::~InputFile() {
+    if (handle > STDIN_FILENO) {
+        ::close(handle);
+    }
+}
+
+bool InputFile::Open(std::string& error) {
+    handle = path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (handle < 0) {
+        error = std::strerror(errno);
+        return false;
+    }
+    return true;
+}
+
+std::ptrdiff_t InputFile::Read(char* buffer, std::size_t size, std::string& error) {
+    for (;;) {
+        const ssize_t count = ::read(handle, buffer, size);
+        if (count >= 0) {
+            return count;
+        }
+        if (errno == EAGAIN) {
+            pollfd wait{handle, POLLIN, 0};
+            ::poll(&wait, 1, -1);
+        } else if (errno != EINTR) {
+            error = std::strerror(errno);
+            return -1;
+        }
+    }
+}
+
+bool InputFile::WouldWait() const {
+    pollfd question{handle, POLLIN, 0};
+    return ::poll(&question, 1, 0) == 0;
+}
+
+bool WriteToStandardOutput(std::string_view bytes, std::string& error) {
+    if (WriteAll(STDOUT_FILENO, bytes)) {
+        return true;
+    }
+    error = errno == EPIPE ? "" : std::strerror(errno);
+    return false;
+}
+
+void WriteToStandardError(std::string_view bytes) { WriteAll(STDERR_FILENO, bytes); }
+
+bool IsStandardOutputTerminal() { return ::isatty(STDOUT_FILENO) != 0; }
+
+} // namespace OrvUQL::Tool
