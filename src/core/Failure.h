@@ -4,6 +4,7 @@
 #include "OrvUQL/Error.h"
 
 #include "core/Messages.h"
+#include "platform/Thread.h"
 
 #include <new>
 #include <stdexcept>
@@ -32,10 +33,9 @@ template <class Body> auto Guarded(IError** err, Body&& body) -> decltype(body()
     try {
         return body();
     } catch (const std::bad_alloc&) {
-        Fail(err, message::internalError);
-    } catch (const std::length_error&) {
-        Fail(err, message::internalError);
-    }
+    } catch (const std::length_error&) {}
+    ++platform::CurrentThread().shortages;
+    Fail(err, message::internalError);
     return decltype(body())();
 }
 

@@ -25,6 +25,9 @@ IObject* ElementGroup::Evaluate(QueryEngine* engine, IError** err) const {
         if (!value) {
             return nullptr;
         }
+        if (engine == nullptr) { // nowhere to put the source
+            return FailNull(err, message::internalError);
+        }
         if (!engine->PushGroupParent(value.Get())) {
             throw std::bad_alloc();
         }

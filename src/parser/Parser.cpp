@@ -244,9 +244,7 @@ IQueryElement* QueryEngine::ParseQuery(const wchar_t* text, IError** err) {
         position = parser.GetPosition();
         return result;
     });
-    if (tree == nullptr) {
-        errorPosition = position;
-    }
+    errorPosition = tree == nullptr ? position : -1; // a catalogue may have parsed something in between
     return tree;
 }
 

@@ -47,7 +47,7 @@ struct RegexSpan {
 
 /// Matches one expression with one text, once or again and again.
 ///
-/// All attempts together take 50 million steps and 100 more for each unit of the text at most (more than a second, less than
+/// All attempts together take 50 million steps and 50 more for each unit of the text at most (more than a second, less than
 /// ten); then, or where the text needs a deeper recursion than a stack of its own can give, std::regex_error is thrown, with
 /// error_complexity or error_stack. Whether a match is found never depends on how much stack the caller has left.
 class RegexMatcher {

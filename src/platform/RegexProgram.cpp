@@ -1,3 +1,8 @@
+// In instrumented builds g++ takes the standard library's states, of which only some hold a function, for uninitialised.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+
 #include "platform/RegexProgram.h"
 
 #include "platform/RegexTraits.h"

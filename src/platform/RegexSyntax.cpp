@@ -23,6 +23,9 @@ bool IsLetter(wchar_t unit) noexcept { return IsInRegexClasses(unit, regexClass:
 /// Repeat counts and group numbers end here: more than any pattern may have, and no overflow in any sum.
 constexpr std::size_t greatNumber = 1'000'000;
 
+/// The count of a repeat without an end.
+constexpr std::size_t endless = greatNumber + 1;
+
 /// The grammar is ECMAScript's as the standard library has it:
 ///
 ///     pattern  = sequence ("|" sequence)*
@@ -307,7 +310,7 @@ private:
             Fail(std::regex_constants::error_badrepeat);
         }
         std::size_t least = unit == L'+' ? 1 : 0;
-        std::size_t most = unit == L'?' ? 1 : greatNumber;
+        std::size_t most = unit == L'?' ? 1 : endless;
         if (unit == L'{') {
             ReadCounts(least, most);
         }
@@ -325,7 +328,7 @@ private:
             isOddEscape = false;
             return;
         }
-        const bool isEndless = most == greatNumber;
+        const bool isEndless = most == endless;
         const auto optional = static_cast<double>(isEndless ? 1 : most - least);
         const double copies = static_cast<double>(least) + optional;
         const RegexWork size =
@@ -359,7 +362,7 @@ private:
         least = ReadNumber();
         most = least;
         if (Take(L',')) {
-            most = !AtEnd() && IsDigit(text[at]) ? ReadNumber() : greatNumber;
+            most = !AtEnd() && IsDigit(text[at]) ? ReadNumber() : endless;
         }
         if (AtEnd()) {
             Fail(std::regex_constants::error_brace);

@@ -68,6 +68,9 @@ struct ThreadState {
     bool poolClosed = false;
     PoolList pool[poolClasses];
 
+    /// Counts the failures for want of memory or stack, for those who are told only that something failed.
+    unsigned shortages = 0;
+
     int releaseDepth = 0;
     PendingReleases pendingReleases;
 };

@@ -79,12 +79,13 @@ OrvStringT ObjectArrayBase::ToString() const {
             continue;
         }
         OrvStringT itemText;
+        const unsigned shortages = platform::CurrentThread().shortages;
         if (item->ToString(itemText, nullptr)) {
             text += itemText;
         } else {
-            // An expression or a host's value may have no text, and shows its type. The language's own values have one;
-            // where it did not fit into memory or stack, a text without it would be wrong.
-            if (item->GetType() <= TypeUnit) {
+            // An item that has no text shows its type. One whose text did not fit into memory or stack has one, and a
+            // text without it would be wrong.
+            if (platform::CurrentThread().shortages != shortages) {
                 throw std::bad_alloc();
             }
             text += L'<';
@@ -129,14 +130,15 @@ IObject* ObjectArrayBase::Method_Last(QueryEngine*, const OrvStringT&, const Obj
 }
 
 IObject* ObjectArrayBase::Method_Add(QueryEngine*, const OrvStringT&, const ObjectList& params, IError**) {
-    const int count = GetCount();
     ObjectList list;
-    list.reserve(static_cast<std::size_t>(count) + 1);
-    for (int index = 0; index < count; ++index) {
-        list.push_back(GetItem(index));
+    list.reserve(static_cast<std::size_t>(std::max(GetCount(), 0)) + 1);
+    for (int index = 0; index < GetCount(); ++index) { // a host's array may shrink while it is read
+        Reference<IObject> item(GetItem(index));
+        list.push_back(item.Get());
+        item.Detach();
     }
-    params[0]->AddRef();
     list.push_back(params[0]);
+    params[0]->AddRef();
     return new ObjectArray(std::move(list));
 }
 

@@ -46,7 +46,7 @@ struct PatternArguments {
     bool matchCase = true;
 
     bool Read(const ObjectList& params, std::size_t expected, IError** err) {
-        if (params.size() != expected || !params[0]->ToString(pattern, err)) {
+        if (params.size() != expected || params[0] == nullptr || !params[0]->ToString(pattern, err)) {
             return false;
         }
         const IObject* const flag = params[expected - 1];
@@ -145,7 +145,7 @@ IObject* ObjectString::Method_RegReplace(QueryEngine*, const OrvStringT&, const 
     return Matching(err, [&]() -> IObject* {
         const Regex expression = arguments.Compile(withGroups);
         OrvStringT format;
-        if (!params[1]->ToString(format, err)) {
+        if (params[1] == nullptr || !params[1]->ToString(format, err)) {
             return nullptr;
         }
         return new ObjectString(OrvUtils::String::ReplaceRegEx(value, expression, format));
