@@ -13,8 +13,8 @@ namespace {
 constexpr std::uint64_t baseSteps = 50'000'000;
 constexpr std::uint64_t stepsPerUnit = 50;
 
-/// How much of the caller's stack a match takes before it goes to one of its own. Coming back from far down, only to begin
-/// again elsewhere, costs more than the switch.
+/// How much of the caller's stack a match takes before it goes to one of its own. Coming back from far down, only to
+/// begin again elsewhere, costs more than the switch.
 constexpr std::uintptr_t borrowedStack = 1024 * 1024;
 
 constexpr std::size_t smallestStack = 1024 * 1024;

@@ -11,8 +11,8 @@
 #include <string_view>
 #include <vector>
 
-/// Regular expressions: the standard library's engine with the ECMAScript grammar, made safe for any pattern and any text and
-/// independent of locales.
+/// Regular expressions: the standard library's engine with the ECMAScript grammar, made safe for any pattern and any
+/// text and independent of locales.
 namespace OrvUQL::platform {
 
 class RegexProgram;
@@ -47,9 +47,10 @@ struct RegexSpan {
 
 /// Matches one expression with one text, once or again and again.
 ///
-/// All attempts together take 50 million steps and 50 more for each unit of the text at most (more than a second, less than
-/// ten); then, or where the text needs a deeper recursion than a stack of its own can give, std::regex_error is thrown, with
-/// error_complexity or error_stack. Whether a match is found never depends on how much stack the caller has left.
+/// All attempts together take 50 million steps and 50 more for each unit of the text at most (more than a second, less
+/// than ten); then, or where the text needs a deeper recursion than a stack of its own can give, std::regex_error is
+/// thrown, with error_complexity or error_stack. Whether a match is found never depends on how much stack the caller
+/// has left.
 class RegexMatcher {
 public:
     /// The text is borrowed.
@@ -110,8 +111,8 @@ bool MatchRegEx(const OrvStringT& text, std::vector<OrvStringT>& groups, const R
 bool SearchRegEx(const OrvStringT& text, const RegEx& expression);
 bool SearchRegEx(const OrvStringT& text, std::vector<OrvStringT>& groups, const RegEx& expression);
 
-/// Replaces every match. In the format, $& is the match, $1 to $99 are its groups, $` and $' the text since the match before
-/// and all text behind it, and $$ is a dollar.
+/// Replaces every match. In the format, $& is the match, $1 to $99 are its groups, $` and $' the text since the match
+/// before and all text behind it, and $$ is a dollar.
 OrvStringT ReplaceRegEx(const OrvStringT& text, const RegEx& expression, const OrvStringT& format);
 
 /// The texts of a matcher's groups.

@@ -55,7 +55,8 @@ std::size_t AppendUpperRanges(std::wstring& pattern, wchar_t first, wchar_t last
     for (auto letter = begin; letter != letters.end() && letter->unit <= last; ++letter) {
         uppers.push_back(letter->upper);
     }
-    // What of the range is its own mapping is one range; lower letters in between do no harm, since no mapping gives them.
+    // What of the range is its own mapping is one range; lower letters in between do no harm, since no mapping gives
+    // them.
     while (first < last && !IsUpper(first)) {
         ++first;
     }

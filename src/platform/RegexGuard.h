@@ -7,9 +7,10 @@
 #include <iterator>
 #include <regex>
 
-/// What keeps the standard library's matcher within bounds. It recurses for each character and backtracks without end; all
-/// that can be had of it is the iterator that it is given. Every state that it enters compares or assigns iterators, but for
-/// alternatives, lazy repeats on their way down and references to groups without a match, which RegexSyntax limits.
+/// What keeps the standard library's matcher within bounds. It recurses for each character and backtracks without end;
+/// all that can be had of it is the iterator that it is given. Every state that it enters compares or assigns
+/// iterators, but for alternatives, lazy repeats on their way down and references to groups without a match, which
+/// RegexSyntax limits.
 namespace OrvUQL::platform {
 
 /// The bounds of one match: how deep it may recurse, and how many steps it may take.
@@ -38,8 +39,8 @@ struct RegexGuard {
 
     static std::uintptr_t StackPointer() noexcept {
 #if defined(_WIN32) && defined(__GNUC__) && defined(__x86_64__)
-        // Asking for the frame's address gives every frame that contains it a frame pointer, and those are unwound wrongly
-        // there: registers of the caller come back changed after an exception.
+        // Asking for the frame's address gives every frame that contains it a frame pointer, and those are unwound
+        // wrongly there: registers of the caller come back changed after an exception.
         std::uintptr_t pointer = 0;
         asm volatile("movq %%rsp, %0" : "=r"(pointer));
         return pointer;
@@ -57,8 +58,8 @@ private:
 /// A random-access iterator over units that asks the guard wherever it is compared or assigned.
 ///
 /// Where a bound is reached all comparisons pretend to be at the end, so that the matcher finds nothing more to try and
-/// returns: an exception through a hundred thousand frames would take a hundred times as long. The exception is for what
-/// still goes on after that.
+/// returns: an exception through a hundred thousand frames would take a hundred times as long. The exception is for
+/// what still goes on after that.
 class RegexIterator {
 public:
     using iterator_category = std::random_access_iterator_tag;

@@ -1,8 +1,3 @@
-// In instrumented builds g++ takes the standard library's states, of which only some hold a function, for uninitialised.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
-
 #include "platform/RegexProgram.h"
 
 #include "platform/RegexTraits.h"
@@ -42,7 +37,8 @@ const RegexProgram* CompileHere(const RegexSyntax& syntax, RegexOptions options)
     using namespace std::regex_constants;
     const syntax_option_type common = options.withoutGroups ? ECMAScript | nosubs : ECMAScript;
     if (options.ignoreCase) {
-        // With collate, ranges compare what the traits make of units; without, they ask a locale for both cases of each.
+        // With collate, ranges compare what the traits make of units; without, they ask a locale for both cases of
+        // each.
         return new Program<true>(syntax, common | icase | collate);
     }
     return new Program<false>(syntax, common);

@@ -9,7 +9,8 @@
 
 namespace OrvUQL::platform {
 
-/// An expression as the standard library compiled it, and what matching it costs. Counts its references; starts with one.
+/// An expression as the standard library compiled it, and what matching it costs. Counts its references; starts with
+/// one.
 class RegexProgram {
 public:
     /// Compiles a pattern, on a stack of its own if that takes more than is left. Throws std::regex_error.

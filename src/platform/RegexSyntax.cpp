@@ -505,8 +505,8 @@ private:
         syntax.nesting = nesting;
         syntax.unguarded = static_cast<std::size_t>(whole.branches);
         syntax.startPrice = syntax.states / 4 + isClosed.size();
-        // Most steps take the same time. Those that search a long list, clear the memory of a lookahead or follow many ways
-        // without asking the guard do not, and all of such a pattern are taken to be as slow.
+        // Most steps take the same time. Those that search a long list, clear the memory of a lookahead or follow many
+        // ways without asking the guard do not, and all of such a pattern are taken to be as slow.
         constexpr std::size_t shortList = 64;
         constexpr std::size_t unitsPerStep = 4;
         syntax.stepPrice += widestBracket > shortList ? widestBracket / unitsPerStep : 0;

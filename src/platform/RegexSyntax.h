@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// Reads a pattern before the standard library does, which names some mistakes wrongly, takes hours over some patterns and
-/// recurses too deep over others.
+/// Reads a pattern before the standard library does, which names some mistakes wrongly, takes hours over some patterns
+/// and recurses too deep over others.
 namespace OrvUQL::platform {
 
 struct RegexOptions {

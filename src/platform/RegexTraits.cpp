@@ -141,10 +141,11 @@ RegexClasses FindRegexClasses(std::wstring_view name, bool ignoreCase) noexcept 
 }
 
 std::wstring FindCollatingElement(std::wstring_view name) {
-    std::wstring found;
     if (name.size() == 1) {
-        found = name;
-    } else if (!FindName(namesBeforeUpper, name, 0, found) && !FindName(namesAfterUpper, name, L'Z' + 1, found)) {
+        return std::wstring(name);
+    }
+    std::wstring found;
+    if (!FindName(namesBeforeUpper, name, 0, found) && !FindName(namesAfterUpper, name, L'Z' + 1, found)) {
         FindName(namesAfterLower, name, L'z' + 1, found);
     }
     return found;

@@ -9,8 +9,8 @@
 #include <string>
 #include <string_view>
 
-/// What the standard library's regular expressions ask about characters. The standard's own traits ask a locale, which makes
-/// results depend on the host and costs a dynamic_cast for each character.
+/// What the standard library's regular expressions ask about characters. The standard's own traits ask a locale, which
+/// makes results depend on the host and costs a dynamic_cast for each character.
 namespace OrvUQL::platform {
 
 /// A set of character classes, one bit for each. All classes are those of ASCII but for white space, which is that of
@@ -74,16 +74,16 @@ inline bool IsInRegexClasses(wchar_t unit, RegexClasses classes) noexcept {
     return (classes & regexClass::space) != 0 && IsWhiteSpace(unit);
 }
 
-/// The classes that a name stands for: those of POSIX and d, s, w, in either case. 0 for an unknown name. Without regard
-/// to case, upper and lower are alpha.
+/// The classes that a name stands for: those of POSIX and d, s, w, in either case. 0 for an unknown name. Without
+/// regard to case, upper and lower are alpha.
 RegexClasses FindRegexClasses(std::wstring_view name, bool ignoreCase) noexcept;
 
 /// The unit that a collating element's name stands for: POSIX's names of the ASCII characters, and any unit for itself.
 /// The empty text for an unknown name.
 std::wstring FindCollatingElement(std::wstring_view name);
 
-/// The locale by which the standard library reads patterns: the classic one, but with no question to the C library, whose
-/// answers change with setlocale on Windows.
+/// The locale by which the standard library reads patterns: the classic one, but with no question to the C library,
+/// whose answers change with setlocale on Windows.
 const std::locale& RegexLocale();
 
 /// The traits. With `fold`, units are compared by their upper-case mappings.

@@ -11,8 +11,8 @@ struct RegexWork {
     double links = 0;    ///< states that only link others
     double branches = 0; ///< states that the matcher enters without asking the guard
 
-    // Ways that ask no guard: through the whole part, from its begin to a back reference inside, from the last guarded state
-    // inside to its end, and from one guarded state inside to a back reference inside.
+    // Ways that ask no guard: through the whole part, from its begin to a back reference inside, from the last guarded
+    // state inside to its end, and from one guarded state inside to a back reference inside.
     double through = 1;
     double into = 0;
     double outOf = 0;

@@ -8,8 +8,8 @@
 
 namespace OrvUQL::platform {
 
-/// A stack beside the thread's own, for work that recurses deeper than a host's thread may have room for. Memory is taken
-/// as it is used, and given back by Close. Belongs to the thread that uses it.
+/// A stack beside the thread's own, for work that recurses deeper than a host's thread may have room for. Memory is
+/// taken as it is used, and given back by Close. Belongs to the thread that uses it.
 class SwitchedStack {
 public:
     SwitchedStack() noexcept = default;

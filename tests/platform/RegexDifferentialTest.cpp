@@ -1,10 +1,5 @@
 // The matcher against the standard library's own, which it is to agree with wherever that one is right.
 
-// In instrumented builds g++ takes the standard library's states, of which only some hold a function, for uninitialised.
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
-
 #include "platform/Regex.h"
 #include "platform/RegexPatternGenerator.h"
 #include "support/Print.h"

@@ -1,5 +1,5 @@
-// Patterns and texts that would crash the standard library's matcher or keep it busy for ever. Each ends within seconds, in
-// a result or in an error, and in the same one on a small stack as on a large one.
+// Patterns and texts that would crash the standard library's matcher or keep it busy for ever. Each ends within
+// seconds, in a result or in an error, and in the same one on a small stack as on a large one.
 
 #include "platform/Regex.h"
 #include "support/Print.h"

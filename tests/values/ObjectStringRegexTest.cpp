@@ -1,5 +1,5 @@
-// The methods of strings that take a regular expression, beyond what a query alone can show: the values that they make, the
-// variable of RegReplaceEx, and arguments that no query can bring about.
+// The methods of strings that take a regular expression, beyond what a query alone can show: the values that they make,
+// the variable of RegReplaceEx, and arguments that no query can bring about.
 
 #include <OrvUQL/OrvUQL.h>
 
