@@ -60,13 +60,10 @@ inline bool ComputeInts(OperatorCode code, int left, int right, Value& result, I
     case OperatorCode::Divide:
         result = detail::DivideDoubles(left, right, err);
         return true;
-    case OperatorCode::And:
-    case OperatorCode::Or:
-    case OperatorCode::IntDivide:
-    case OperatorCode::Power:
-    case OperatorCode::Unknown:
-        return false;
     default:
+        if (code > OperatorCode::NotEqual) {
+            return false;
+        }
         result = Value::Bool(detail::CompareInts(static_cast<EOperType>(code), left, right));
         return true;
     }
@@ -87,13 +84,10 @@ inline bool ComputeDoubles(OperatorCode code, double left, double right, Value& 
     case OperatorCode::Divide:
         result = detail::DivideDoubles(left, right, err);
         return true;
-    case OperatorCode::And:
-    case OperatorCode::Or:
-    case OperatorCode::IntDivide:
-    case OperatorCode::Power:
-    case OperatorCode::Unknown:
-        return false;
     default:
+        if (code > OperatorCode::NotEqual) {
+            return false;
+        }
         result = Value::Bool(detail::CompareDoubles(static_cast<EOperType>(code), left, right, 0.0));
         return true;
     }

@@ -185,31 +185,27 @@ Parser::Element Parser::ParseChainRest(Element left, const Level& level) {
     return left;
 }
 
-/// A negation is of the whole chain of comparisons: `not a = b` is `not (a = b)`.
-Parser::Element Parser::ParseComparison() {
-    if (!Is(TokenNot | TokenBang | TokenNotEqual)) {
-        return ParseChain(comparisonLevel);
+/// An operator in front is of the whole chain behind it.
+Parser::Element Parser::ParsePrefixed(std::uint32_t prefixes, const Level& level) {
+    if (!Is(prefixes)) {
+        return ParseChain(level);
     }
-    const OrvStringT negation = OperatorText(token.text);
+    const OrvStringT op = OperatorText(token.text);
     const int position = cursor.position;
     Advance();
-    Element operand = ParseChain(comparisonLevel);
-    return operand ? MakeUnary(negation, operand, position) : std::move(operand);
+    Element operand = ParseChain(level);
+    return operand ? MakeUnary(op, operand, position) : std::move(operand);
+}
+
+/// `not a = b` is `not (a = b)`.
+Parser::Element Parser::ParseComparison() {
+    return ParsePrefixed(TokenNot | TokenBang | TokenNotEqual, comparisonLevel);
 }
 
 Parser::Element Parser::ParseSum() { return ParseChain(sumLevel); }
 
-/// A sign is of the whole term: `-a*b` is `-(a*b)`.
-Parser::Element Parser::ParseSigned() {
-    if (!Is(sumOperators)) {
-        return ParseChain(termLevel);
-    }
-    const OrvStringT sign = OperatorText(token.text);
-    const int position = cursor.position;
-    Advance();
-    Element operand = ParseChain(termLevel);
-    return operand ? MakeUnary(sign, operand, position) : std::move(operand);
-}
+/// `-a*b` is `-(a*b)`.
+Parser::Element Parser::ParseSigned() { return ParsePrefixed(sumOperators, termLevel); }
 
 Parser::Element Parser::ParsePower() { return ParseChain(powerLevel); }
 

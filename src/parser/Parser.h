@@ -64,6 +64,7 @@ private:
     Element ParseSum();
     Element ParseSigned();
     Element ParsePower();
+    Element ParsePrefixed(std::uint32_t prefixes, const Level& level);
     Element ParseChain(const Level& level);
     Element ParseChainRest(Element left, const Level& level);
     Element ParsePrimary();

@@ -2,12 +2,12 @@
 
 #include "OrvUQL/ObjectString.h"
 
-#include "OrvUQL/ObjectArray.h"
 #include "OrvUQL/Scalars.h"
 
 #include "core/Failure.h"
 #include "platform/CaseMap.h"
 #include "platform/NumberText.h"
+#include "values/ItemList.h"
 
 #include <algorithm>
 
@@ -19,20 +19,6 @@ bool NameIs(const OrvStringT& name, std::wstring_view text) noexcept { return pl
 
 /// Reads an optional bool; `value` stays what it is where the argument was left out.
 bool ReadFlag(IObject* param, bool& value, IError** err) { return param == nullptr || param->ToBool(value, err); }
-
-/// A list of texts on its way to becoming an array.
-class TextList {
-public:
-    void Add(OrvStringT text) {
-        Reference<IObject> item(new ObjectString(std::move(text)));
-        items.push_back(item.Get());
-        item.Detach();
-    }
-    IObject* MakeArray() { return new ObjectArray(std::move(items)); }
-
-private:
-    ObjectList items;
-};
 
 OrvStringT Reversed(const OrvStringT& text) {
     return OrvStringT(std::wstring(text.View().rbegin(), text.View().rend()));
@@ -232,15 +218,15 @@ IObject* ObjectString::Method_Split(QueryEngine*, const OrvStringT&, const Objec
     if (!params[0]->ToString(separator, err)) {
         return nullptr;
     }
-    TextList pieces;
+    ItemList pieces;
     int last = 0;
     if (!separator.IsEmpty()) {
         for (int found = value.Find(separator); found >= 0; found = value.Find(separator, last)) {
-            pieces.Add(value.Mid(last, found - last));
+            pieces.AddText(value.Mid(last, found - last));
             last = found + separator.GetLength();
         }
     }
-    pieces.Add(value.Mid(last));
+    pieces.AddText(value.Mid(last));
     return pieces.MakeArray();
 }
 
@@ -275,9 +261,9 @@ IObject* ObjectString::Method_IndexOf(QueryEngine*, const OrvStringT& name, cons
 }
 
 IObject* ObjectString::Method_ToCharArray(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-    TextList characters;
+    ItemList characters;
     for (int index = 0; index < value.GetLength(); ++index) {
-        characters.Add(value.Mid(index, 1));
+        characters.AddText(value.Mid(index, 1));
     }
     return characters.MakeArray();
 }

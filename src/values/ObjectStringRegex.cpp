@@ -1,7 +1,6 @@
 // The methods of strings that take a regular expression. Each one's last argument says whether case matters; it does
 // unless told otherwise.
 
-#include "OrvUQL/ObjectArray.h"
 #include "OrvUQL/ObjectString.h"
 #include "OrvUQL/Scalars.h"
 
@@ -9,6 +8,7 @@
 #include "core/Failure.h"
 #include "platform/CaseMap.h"
 #include "platform/Regex.h"
+#include "values/ItemList.h"
 
 #include <memory>
 #include <new>
@@ -56,21 +56,6 @@ struct PatternArguments {
     Regex Compile(syntax_option_type options) const {
         return OrvUtils::String::CreateRegEx(pattern, matchCase ? options : options | std::regex_constants::icase);
     }
-};
-
-/// A list on its way to becoming an array.
-class ItemList {
-public:
-    void Add(IObject* taken) {
-        Reference<IObject> item(taken);
-        items.push_back(taken);
-        item.Detach();
-    }
-    void AddText(OrvStringT text) { Add(new ObjectString(std::move(text))); }
-    IObject* MakeArray() { return new ObjectArray(std::move(items)); }
-
-private:
-    ObjectList items;
 };
 
 IObject* MakeTextArray(std::vector<OrvStringT>&& texts) {
@@ -169,17 +154,19 @@ IObject* ObjectString::Method_RegReplaceEx(QueryEngine* engine, const OrvStringT
     }
     enum class Step : unsigned char { Failed, Match, End };
     const auto next = [&] { return matcher->Next() ? Step::Match : Step::End; };
+    // The variable is gone before the value is asked for its text: a host's value sees the engine as it was.
+    const auto evaluate = [&] {
+        const VariableScope variable(engine, MakeTextArray(OrvUtils::String::GetGroups(*matcher)));
+        return Reference<IObject>(detail::EvaluateArgument(expression, engine, err));
+    };
     OrvStringT out;
     Step step = Matching(err, next);
     for (; step == Step::Match; step = Matching(err, next)) {
         out += matcher->Text(matcher->Before());
         OrvStringT replacement;
-        {
-            const VariableScope variable(engine, MakeTextArray(OrvUtils::String::GetGroups(*matcher)));
-            const Reference<IObject> result(detail::EvaluateArgument(expression, engine, err));
-            if (!result || !result->ToString(replacement, err)) {
-                return nullptr;
-            }
+        const Reference<IObject> result = evaluate();
+        if (!result || !result->ToString(replacement, err)) {
+            return nullptr;
         }
         out += replacement;
     }
