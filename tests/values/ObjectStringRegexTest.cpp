@@ -104,6 +104,29 @@ TEST_F(StringRegex, VariableIsTheArrayOfTheMatchesGroups) {
     EXPECT_EQ(host.engine.GetVariable(), outer.Get());
 }
 
+TEST_F(StringRegex, ConversionOfTheValueSeesTheOuterVariable) {
+    /// A host's value whose text depends on the engine's variable.
+    class Onlooker : public CountedObject {
+    public:
+        explicit Onlooker(const QueryEngine& hostEngine) : engine(hostEngine) {}
+        using CountedObject::ToString;
+        bool ToString(OrvStringT& out, IError**) const override {
+            out = engine.GetVariable()->GetType() == TypeArray ? L"inner" : L"outer";
+            return true;
+        }
+
+    private:
+        const QueryEngine& engine;
+    };
+    const Ref<CountedObject> outer = Make<CountedObject>();
+    host.engine.SetVariable(outer.Get());
+    const auto body = [](QueryEngine* engine, IError**) -> IObject* { return new Onlooker(*engine); };
+    const Ref<ObjectString> text = Text(L"a1b2");
+    EXPECT_EQ(CallHandler(*text, L"RegReplaceEx", L"RegReplaceEx",
+                          {new ObjectString(L"\\d"), Expression(body), nullptr}, &host.engine),
+              "string aouterbouter");
+}
+
 TEST_F(StringRegex, ExpressionMayKeepItsVariable) {
     std::vector<Ref<IObject>> kept;
     const auto body = [&](QueryEngine* engine, IError**) -> IObject* {
