@@ -3,6 +3,10 @@
 #include <cstdlib>
 #include <new>
 
+#if defined(__linux__)
+#include <cstdio>
+#include <unistd.h>
+#endif
 #if defined(__GLIBC__)
 #include <malloc.h>
 #endif
@@ -29,13 +33,22 @@ namespace OrvUQL::bench {
 
 std::size_t CallsOfNew() { return callsOfNew; }
 
-std::optional<std::size_t> BytesInUse() {
+std::optional<std::size_t> ResidentBytes() {
+    std::optional<std::size_t> bytes;
 #if defined(__GLIBC__)
-    const struct mallinfo2 heap = mallinfo2();
-    return heap.uordblks + heap.hblkhd;
-#else
-    return std::nullopt;
+    malloc_trim(0);
 #endif
+#if defined(__linux__)
+    if (std::FILE* const file = std::fopen("/proc/self/statm", "r")) {
+        unsigned long long size = 0;
+        unsigned long long resident = 0;
+        if (std::fscanf(file, "%llu %llu", &size, &resident) == 2) {
+            bytes = resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+        }
+        std::fclose(file);
+    }
+#endif
+    return bytes;
 }
 
 } // namespace OrvUQL::bench

@@ -1,4 +1,4 @@
-// What the program takes from the heap.
+// What the program takes from memory.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,8 @@ namespace OrvUQL::bench {
 /// Calls of operator new so far, those inside of the library included.
 std::size_t CallsOfNew();
 
-/// Bytes in use, the allocator's own share of each block included; nothing where the C library does not tell.
-std::optional<std::size_t> BytesInUse();
+/// Bytes of the program that are in memory, in whole pages; nothing where the system does not tell. Before it looks,
+/// freed memory is given back to the system where the C library can do so: what is taken from it later is growth.
+std::optional<std::size_t> ResidentBytes();
 
 } // namespace OrvUQL::bench

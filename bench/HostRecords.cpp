@@ -1,103 +1,106 @@
 #include "HostRecords.h"
 
 #include <algorithm>
-#include <iterator>
-#include <string_view>
 
 namespace OrvUQL::bench {
 
-TableRecord::TableRecord(const Record& data)
-    : record(data), b(OrvStringT::FromUtf8(data.b)), name(OrvStringT::FromUtf8(data.name)) {}
+namespace {
+
+IObject* MakeList(const std::vector<int>& numbers) {
+    ObjectList items;
+    items.reserve(numbers.size());
+    for (const int number : numbers) {
+        items.push_back(new ObjectInt(number));
+    }
+    return new ObjectArray(std::move(items));
+}
+
+std::size_t SlotOf(const std::string& name) {
+    const auto* const found = std::find(std::begin(variableNames), std::end(variableNames), name);
+    return static_cast<std::size_t>(found - std::begin(variableNames));
+}
+
+} // namespace
+
+HostRecord::HostRecord(const Record& record) {
+    for (const Variable& variable : record) {
+        Field& field = fields[SlotOf(variable.name)];
+        if (const int* const whole = std::get_if<int>(&variable.value)) {
+            field.kind = Kind::Int;
+            field.whole = *whole;
+        } else if (const double* const real = std::get_if<double>(&variable.value)) {
+            field.kind = Kind::Double;
+            field.real = *real;
+        } else if (const std::string* const text = std::get_if<std::string>(&variable.value)) {
+            field.kind = Kind::Text;
+            field.text = OrvStringT::FromUtf8(*text);
+        } else {
+            field.kind = Kind::List;
+            field.list = MakeList(NumbersOf(std::get<List>(variable.value)));
+        }
+    }
+}
+
+HostRecord::~HostRecord() {
+    for (const Field& field : fields) {
+        if (field.list != nullptr) {
+            field.list->Release();
+        }
+    }
+}
+
+IObject* HostRecord::MakeValue(std::size_t slot) const {
+    const Field& field = fields[slot];
+    switch (field.kind) {
+    case Kind::Int:
+        return new ObjectInt(field.whole);
+    case Kind::Double:
+        return new ObjectDouble(field.real);
+    case Kind::Text:
+        return new ObjectString(field.text);
+    case Kind::List:
+        field.list->AddRef();
+        return field.list;
+    case Kind::Missing:
+        break;
+    }
+    return new ObjectNull();
+}
 
 const ObjectBase::MethodMap* TableRecord::_GetMethodMap() const {
+    // In the order of variableNames.
     static const MethodMap table[] = {
-        MethodMap::Method(L"A", L"", &TableRecord::Method_A),
-        MethodMap::Method(L"B", L"", &TableRecord::Method_B),
-        MethodMap::Method(L"C", L"", &TableRecord::Method_C),
-        MethodMap::Method(L"Name", L"", &TableRecord::Method_Name),
-        MethodMap::Method(L"Price", L"", &TableRecord::Method_Price),
-        MethodMap::Method(L"Quantity", L"", &TableRecord::Method_Quantity),
-        MethodMap::Method(L"Weight", L"", &TableRecord::Method_Weight),
+        MethodMap::Method(L"A", L"", &TableRecord::Method_Read<0>),
+        MethodMap::Method(L"B", L"", &TableRecord::Method_Read<1>),
+        MethodMap::Method(L"C", L"", &TableRecord::Method_Read<2>),
+        MethodMap::Method(L"D", L"", &TableRecord::Method_Read<3>),
+        MethodMap::Method(L"E", L"", &TableRecord::Method_Read<4>),
+        MethodMap::Method(L"List", L"", &TableRecord::Method_Read<5>),
+        MethodMap::Method(L"Name", L"", &TableRecord::Method_Read<6>),
+        MethodMap::Method(L"Price", L"", &TableRecord::Method_Read<7>),
+        MethodMap::Method(L"Quantity", L"", &TableRecord::Method_Read<8>),
+        MethodMap::Method(L"Weight", L"", &TableRecord::Method_Read<9>),
         MethodMap::Chain(&TableRecord::ObjectBaseMethods),
         MethodMap::End(),
     };
     return table;
 }
 
-IObject* TableRecord::Method_A(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-    return new ObjectInt(record.a);
-}
-
-IObject* TableRecord::Method_B(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-    return new ObjectString(b);
-}
-
-IObject* TableRecord::Method_C(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-    return new ObjectInt(record.c);
-}
-
-IObject* TableRecord::Method_Name(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-    return new ObjectString(name);
-}
-
-IObject* TableRecord::Method_Price(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-    return new ObjectDouble(record.price);
-}
-
-IObject* TableRecord::Method_Quantity(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-    return new ObjectInt(record.quantity);
-}
-
-IObject* TableRecord::Method_Weight(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-    return new ObjectDouble(record.weight);
-}
-
-namespace {
-
-enum class Field { A, B, C, Name, Price, Quantity, Weight };
-
-struct FieldName {
-    std::wstring_view name;
-    Field field;
-};
-
-constexpr FieldName fieldNames[] = {
-    // in the order of the names, for a binary search
-    {L"a", Field::A},           {L"b", Field::B},         {L"c", Field::C},
-    {L"name", Field::Name},     {L"price", Field::Price}, {L"quantity", Field::Quantity},
-    {L"weight", Field::Weight},
-};
-
-} // namespace
-
-InvokeRecord::InvokeRecord(const Record& data)
-    : record(data), b(OrvStringT::FromUtf8(data.b)), name(OrvStringT::FromUtf8(data.name)) {}
-
 IObject* InvokeRecord::Invoke(QueryEngine* engine, const wchar_t* called, const QueryElementList& args, IError** err) {
+    // variableNames is in the order of the names: a binary search. (Their letters are ASCII.)
     const std::wstring_view sought(called);
-    const auto* const found =
-        std::lower_bound(std::begin(fieldNames), std::end(fieldNames), sought,
-                         [](const FieldName& entry, std::wstring_view text) { return entry.name < text; });
-    if (found == std::end(fieldNames) || found->name != sought) {
-        return ObjectBase::Invoke(engine, called, args, err);
+    const auto isBefore = [](const char* name, std::wstring_view text) {
+        const std::string_view units(name);
+        return std::lexicographical_compare(units.begin(), units.end(), text.begin(), text.end());
+    };
+    const auto* const found = std::lower_bound(std::begin(variableNames), std::end(variableNames), sought, isBefore);
+    if (found != std::end(variableNames)) {
+        const std::string_view name(*found);
+        if (std::equal(name.begin(), name.end(), sought.begin(), sought.end())) {
+            return MakeValue(static_cast<std::size_t>(found - std::begin(variableNames)));
+        }
     }
-    switch (found->field) {
-    case Field::A:
-        return new ObjectInt(record.a);
-    case Field::B:
-        return new ObjectString(b);
-    case Field::C:
-        return new ObjectInt(record.c);
-    case Field::Name:
-        return new ObjectString(name);
-    case Field::Price:
-        return new ObjectDouble(record.price);
-    case Field::Quantity:
-        return new ObjectInt(record.quantity);
-    case Field::Weight:
-        return new ObjectDouble(record.weight);
-    }
-    return nullptr;
+    return ObjectBase::Invoke(engine, called, args, err);
 }
 
 } // namespace OrvUQL::bench

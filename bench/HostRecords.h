@@ -3,48 +3,64 @@
 
 #include <OrvUQL/OrvUQL.h>
 
-#include "Record.h"
+#include "Cases.h"
+
+#include <cstddef>
+#include <iterator>
+#include <optional>
+#include <string_view>
 
 namespace OrvUQL::bench {
 
-/// Answers names from a method table, as most hosts do.
-class TableRecord : public ObjectBase {
+/// What both have in common: the host's data, and a fresh value for whoever asks. Texts and lists are kept in the form
+/// in which a share of them is taken; numbers become values each time.
+class HostRecord : public ObjectBase {
 public:
-    explicit TableRecord(const Record& record);
-
     EType GetType() const override { return TypeGlobal; }
     OrvStringT GetTypeName() const override { return ORV_TEXT(L"record"); }
+
+protected:
+    explicit HostRecord(const Record& record);
+    ~HostRecord() override;
+
+    /// The value of variableNames[slot] with a new reference; null values for names that the record lacks.
+    IObject* MakeValue(std::size_t slot) const;
+
+private:
+    enum class Kind { Missing, Int, Double, Text, List };
+
+    struct Field {
+        Kind kind = Kind::Missing;
+        int whole = 0;
+        double real = 0;
+        OrvStringT text;
+        IObject* list = nullptr;
+    };
+
+    Field fields[std::size(variableNames)];
+};
+
+/// Answers names from a method table, as most hosts do.
+class TableRecord : public HostRecord {
+public:
+    explicit TableRecord(const Record& record) : HostRecord(record) {}
+
     const MethodMap* GetMethodMap() const override { return _GetMethodMap(); }
 
 private:
     const MethodMap* _GetMethodMap() const;
 
-    IObject* Method_A(QueryEngine*, const OrvStringT&, const ObjectList&, IError**);
-    IObject* Method_B(QueryEngine*, const OrvStringT&, const ObjectList&, IError**);
-    IObject* Method_C(QueryEngine*, const OrvStringT&, const ObjectList&, IError**);
-    IObject* Method_Name(QueryEngine*, const OrvStringT&, const ObjectList&, IError**);
-    IObject* Method_Price(QueryEngine*, const OrvStringT&, const ObjectList&, IError**);
-    IObject* Method_Quantity(QueryEngine*, const OrvStringT&, const ObjectList&, IError**);
-    IObject* Method_Weight(QueryEngine*, const OrvStringT&, const ObjectList&, IError**);
-
-    const Record& record;
-    OrvStringT b; // texts are converted once, so that reading one takes a share of it
-    OrvStringT name;
+    template <std::size_t slot> IObject* Method_Read(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
+        return MakeValue(slot);
+    }
 };
 
 /// Answers names itself: the way of a host whose names are data, such as the columns of a table.
-class InvokeRecord : public ObjectBase {
+class InvokeRecord : public HostRecord {
 public:
-    explicit InvokeRecord(const Record& record);
+    explicit InvokeRecord(const Record& record) : HostRecord(record) {}
 
-    EType GetType() const override { return TypeGlobal; }
-    OrvStringT GetTypeName() const override { return ORV_TEXT(L"record"); }
     IObject* Invoke(QueryEngine* engine, const wchar_t* name, const QueryElementList& args, IError** err) override;
-
-private:
-    const Record& record;
-    OrvStringT b;
-    OrvStringT name;
 };
 
 } // namespace OrvUQL::bench

@@ -1,4 +1,5 @@
-// Lua, for comparison: a small, fast, embeddable language that hosts use for the same purpose.
+// Lua, for comparison: a small, fast, embeddable language that hosts use for the same purpose. The same source serves
+// Lua 5.4 and LuaJIT; which one is decided by the headers that it is compiled with.
 #pragma once
 
 #include "Cases.h"
@@ -7,6 +8,7 @@
 #include <limits>
 #include <lua.hpp>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace OrvUQL::bench {
@@ -15,35 +17,29 @@ namespace OrvUQL::bench {
 /// std::runtime_error with Lua's message.
 class LuaEngine {
 public:
-    /// What the record is. A userdata asks the host for each field, as "@" does; a table holds copies of all fields
-    /// in Lua itself, which spares the way out and back.
-    enum class Source { Userdata, Table };
+    static std::string Version();
+    static const std::string& TextOf(const Case& test) { return test.lua; }
 
-    LuaEngine(const Case& test, Source source);
+    explicit LuaEngine(const Case& test);
     LuaEngine(const LuaEngine&) = delete;
     LuaEngine& operator=(const LuaEngine&) = delete;
     ~LuaEngine() = default;
 
-    /// Makes a record the one that the function is given; 0 at first.
-    void Select(std::size_t record);
-
-    /// One call, read as UqlEngine::Evaluate() reads its value.
     double Evaluate();
-
-    Answer GetAnswer();
-
+    Answer GetAnswer(std::size_t record);
     void Parse();
     void Keep();
-    void Drop();
-
+    void Settle() { lua_gc(lua, LUA_GCCOLLECT, 0); }
     std::size_t Allocations() const { return allocations; }
-    void Settle() { lua_gc(lua, LUA_GCCOLLECT); }
 
 private:
-    enum StackSlot { functionSlot = 1, recordSlot, tablesSlot };
+    enum StackSlot { functionSlot = 1, recordSlot };
+    // (Behind the function lies the record's userdata, or a slot for each variable: its list, its function, or nil.)
     enum class Reading { Number, Truth, Text };
 
     void Compile();
+    /// Calls the function for a record: its result, or the error's message, is on the stack's top.
+    bool Call(std::size_t record);
     [[noreturn]] void Throw();
 
     struct Close {
@@ -53,17 +49,22 @@ private:
     std::size_t allocations = 0;
     std::unique_ptr<lua_State, Close> owner;
     lua_State* lua;
-    Source source;
+    const std::vector<Record>& records;
+    Passing passing;
+    const Record* current; ///< what the host answers from when it is called back
+    std::size_t next = 0;
     Reading reading;
     std::string text;
-    std::vector<int> kept; // references in Lua's registry
+    std::string taken;
 };
 
 inline double LuaEngine::Evaluate() {
     double result = std::numeric_limits<double>::quiet_NaN();
-    lua_pushvalue(lua, functionSlot);
-    lua_pushvalue(lua, recordSlot);
-    if (lua_pcall(lua, 1, 1, 0) == LUA_OK) {
+    const bool succeeded = Call(next);
+    if (++next == records.size()) {
+        next = 0;
+    }
+    if (succeeded) {
         switch (reading) {
         case Reading::Number:
             result = lua_tonumber(lua, -1);
@@ -73,7 +74,8 @@ inline double LuaEngine::Evaluate() {
             break;
         case Reading::Text: {
             std::size_t length = 0;
-            lua_tolstring(lua, -1, &length);
+            const char* const units = lua_tolstring(lua, -1, &length);
+            taken.assign(units, length);
             result = static_cast<double>(length);
             break;
         }

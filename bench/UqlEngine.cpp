@@ -1,12 +1,26 @@
 #include "UqlEngine.h"
 
 #include "HostRecords.h"
+#include "Program.h"
 
 #include <stdexcept>
 
 namespace OrvUQL::bench {
 
-UqlEngine::UqlEngine(const Case& test, Source source) : text(OrvStringT::FromUtf8(test.query)), reading(Reading::Text) {
+namespace {
+
+#if ORVUQL_BENCH_OWN_INVOKE
+using MeasuredRecord = InvokeRecord;
+#else
+using MeasuredRecord = TableRecord;
+#endif
+
+} // namespace
+
+std::string UqlEngine::Version() { return ORVUQL_BENCH_VERSION; }
+
+UqlEngine::UqlEngine(const Case& test)
+    : text(OrvStringT::FromUtf8(test.query)), reading(Reading::Text), readsRecord(test.ReadsRecord()) {
     IObject* const global = new ObjectGlobal();
     engine.SetGlobal(global);
     global->Release();
@@ -15,27 +29,24 @@ UqlEngine::UqlEngine(const Case& test, Source source) : text(OrvStringT::FromUtf
     lengths->Release();
 
     query = Parsed();
-    for (const Record& record : Records()) {
-        records.push_back(source == Source::Table ? static_cast<IObject*>(new TableRecord(record))
-                                                  : static_cast<IObject*>(new InvokeRecord(record)));
+    for (const Record& record : test.records) {
+        records.push_back(new MeasuredRecord(record));
     }
-    Select(0);
-
+    if (records.size() == 1) {
+        records.push_back(new MeasuredRecord(test.records[0]));
+    }
     if (std::holds_alternative<bool>(test.answer)) {
         reading = Reading::Truth;
     } else if (std::holds_alternative<double>(test.answer)) {
         reading = Reading::Number;
-    } else if (IObject* const value = engine.Evaluate(query, nullptr)) {
-        reading = value->IsUnit() ? Reading::Unit : Reading::Text;
-        value->Release();
     }
 }
 
 UqlEngine::~UqlEngine() {
-    Drop();
-    if (query != nullptr) {
-        query->Release();
+    for (IQueryElement* tree : kept) {
+        tree->Release();
     }
+    query->Release();
     for (IObject* record : records) {
         record->Release();
     }
@@ -50,8 +61,9 @@ IQueryElement* UqlEngine::Parsed() {
     return tree;
 }
 
-Answer UqlEngine::GetAnswer() {
+Answer UqlEngine::GetAnswer(std::size_t record) {
     IError* error = nullptr;
+    engine.SetPropertySource(records[record]);
     IObject* const value = engine.Evaluate(query, &error);
     if (value == nullptr) {
         Throw(error);
@@ -78,13 +90,6 @@ Answer UqlEngine::GetAnswer() {
     return answer;
 }
 
-void UqlEngine::Drop() {
-    for (IQueryElement* tree : kept) {
-        tree->Release();
-    }
-    kept.clear();
-}
-
 void UqlEngine::Throw(IError* error) {
     std::string message = "the query has no value";
     if (error != nullptr) {
@@ -95,3 +100,5 @@ void UqlEngine::Throw(IError* error) {
 }
 
 } // namespace OrvUQL::bench
+
+int main(int argc, char** argv) { return OrvUQL::bench::RunProgram<OrvUQL::bench::UqlEngine>(argc, argv); }

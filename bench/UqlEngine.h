@@ -8,45 +8,45 @@
 
 #include <cstddef>
 #include <limits>
+#include <string>
 #include <vector>
 
 namespace OrvUQL::bench {
 
 /// One case on an engine of its own, parsed. Failures are thrown as std::runtime_error with the engine's message.
+/// The other engines have the same functions, which the measurements call.
 class UqlEngine {
 public:
-    /// What stands behind "@".
-    enum class Source { Table, Invoke };
+    static std::string Version();
 
-    UqlEngine(const Case& test, Source source);
+    /// The case as this engine's query; empty if it cannot say it.
+    static const std::string& TextOf(const Case& test) { return test.query; }
+
+    explicit UqlEngine(const Case& test);
     UqlEngine(const UqlEngine&) = delete;
     UqlEngine& operator=(const UqlEngine&) = delete;
     ~UqlEngine();
 
-    /// Makes a record the one that the query reads; 0 at first.
-    void Select(std::size_t record) { engine.SetPropertySource(records[record]); }
-
-    /// One evaluation and what a host does with its value: the number is returned, 1 or 0 for a truth, the length of
-    /// a text. NaN on failure.
+    /// One evaluation for the next of the case's records, and what a host does with its value: it is taken out as
+    /// number, truth or text. The number is returned, 1 or 0 for a truth, the length of a text; NaN on failure.
     double Evaluate();
 
-    /// The value in full.
-    Answer GetAnswer();
+    /// The value for a record in full.
+    Answer GetAnswer(std::size_t record);
 
     /// Parses the query once more and drops the tree.
     void Parse() { Parsed()->Release(); }
 
-    /// Parses the query once more and keeps the tree until Drop().
+    /// Parses the query once more and keeps the tree until the engine ends.
     void Keep() { kept.push_back(Parsed()); }
-    void Drop();
-
-    /// Heap allocations so far.
-    static std::size_t Allocations() { return CallsOfNew(); }
     /// Brings the heap to rest before it is measured: nothing to do, memory is given back at once.
     void Settle() {}
 
+    /// Heap allocations so far.
+    static std::size_t Allocations() { return CallsOfNew(); }
+
 private:
-    enum class Reading { Number, Truth, Text, Unit };
+    enum class Reading { Number, Truth, Text };
 
     IQueryElement* Parsed();
     [[noreturn]] static void Throw(IError* error);
@@ -54,13 +54,22 @@ private:
     QueryEngine engine;
     OrvStringT text;
     Reading reading;
+    bool readsRecord;
     IQueryElement* query = nullptr;
-    std::vector<IObject*> records;
+    std::vector<IObject*> records; ///< at least two, so that an evaluation never finds the values of the one before
+    std::size_t next = 0;
+    OrvStringT taken;
     std::vector<IQueryElement*> kept;
 };
 
 inline double UqlEngine::Evaluate() {
     double result = std::numeric_limits<double>::quiet_NaN();
+    if (readsRecord) {
+        engine.SetPropertySource(records[next]);
+        if (++next == records.size()) {
+            next = 0;
+        }
+    }
     IError* error = nullptr;
     IObject* const value = engine.Evaluate(query, &error);
     if (value == nullptr) {
@@ -80,15 +89,10 @@ inline double UqlEngine::Evaluate() {
         }
         break;
     }
-    case Reading::Text: {
-        OrvStringT answer;
-        if (value->ToString(answer, nullptr)) {
-            result = answer.GetLength();
+    case Reading::Text:
+        if (value->ToString(taken, nullptr)) {
+            result = taken.GetLength();
         }
-        break;
-    }
-    case Reading::Unit:
-        result = value->GetUnitInterface()->GetDisplayValue();
         break;
     }
     value->Release();
