@@ -10,6 +10,7 @@
 #include "core/NumberConversion.h"
 #include "platform/CaseMap.h"
 #include "platform/Random.h"
+#include "platform/Sine.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -148,10 +149,10 @@ IObject* ObjectGlobal::Method_Math1(QueryEngine*, const OrvStringT& name, const 
         return FailNull(err, message::negativeSquareRoot, OrvUtils::String::ToStringW(x));
     }
     if (NameIs(name, L"sin")) {
-        return new ObjectDouble(std::sin(x));
+        return new ObjectDouble(platform::Sine(x));
     }
     if (NameIs(name, L"cos")) {
-        return new ObjectDouble(std::cos(x));
+        return new ObjectDouble(platform::Cosine(x));
     }
     if (NameIs(name, L"tan")) {
         return new ObjectDouble(std::tan(x));

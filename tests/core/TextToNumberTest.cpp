@@ -92,12 +92,15 @@ const Row rows[] = {
     {L"1 e3", none, nullptr},
     {L"e3", none, nullptr},
     {L"1e3.5", none, nullptr},
+    {L"1e5.5", none, nullptr},
     {L"1d3", none, nullptr},
     {L"1e400", none, nullptr},
     {L"1.8e308", none, nullptr},
     {L"1e-400", 0, "double 0"},
     {L"1.7976931348623157e308", 1.7976931348623157e308, "double 1.7976931348623157e+308"},
     {L"5e-324", 5e-324, "double 5e-324"},
+    {L"4.9e-324", 5e-324, "double 5e-324"},
+    {L"1e308", 1e308, "double 1e+308"},
     // Where an int ends.
     {L"2147483647", 2147483647.0, "int 2147483647"},
     {L"-2147483648", -2147483648.0, "int -2147483648"},
@@ -124,6 +127,8 @@ const Row rows[] = {
     {L"5 \u00a4", 5, "int 5"},
     {L"-\u00a45", -5, "int -5"},
     {L"(\u00a45)", -5, "int -5"},
+    {L"\u00a4 5", 5, "int 5"},
+    {L"\u00a4-5", -5, "int -5"},
     {L"$5", none, nullptr},
     // What is no number.
     {L"+", none, nullptr},
@@ -201,6 +206,28 @@ TEST(TextToNumber, ReadsHundredsOfDigits) {
     EXPECT_EQ(ToNumeric(*Make<ObjectString>((L"0." + zeros + L"1e401").c_str())), "double 1");
     EXPECT_EQ(ToNumeric(*Make<ObjectString>((L"12345678901234567890" + std::wstring(280, L'0')).c_str())),
               "double 1.2345678901234568e+299");
+}
+
+TEST(TextToNumber, KnowsExponentsBeyondAnyCounter) {
+    for (const wchar_t* const text :
+         {L"1e4294967297", L"1e2147483648", L"1e99999999999999999999", L"(1e4294967297)", L" 1e9223372036854775809"}) {
+        const std::string trimmed = Utf8(OrvStringT(text).Trim());
+        EXPECT_EQ(ToNumeric(*Make<ObjectString>(text)), "! Cannot convert string '" + trimmed + "' to a number");
+        EXPECT_EQ(ToDouble(*Make<ObjectString>(text)), "! Cannot convert string '" + Utf8(text) + "' to Double");
+    }
+    EXPECT_EQ(ToNumeric(*Make<ObjectString>(L"1e-99999999999999999999")), "double 0");
+    EXPECT_EQ(ToNumeric(*Make<ObjectString>(L"(1.5e-4294967297)")), "double -0");
+    EXPECT_EQ(ToNumeric(*Make<ObjectString>(L"0e99999999999")), "int 0");
+}
+
+TEST(TextToNumber, TakesNoEndInsideOfATextForItsEnd) {
+    for (const OrvStringT& text : {OrvStringT(L"5\0", 2), OrvStringT(L" 5\0006", 4), OrvStringT(L"\0", 1)}) {
+        const Ref<ObjectString> string(new ObjectString(text));
+        EXPECT_EQ(ToNumeric(*string).rfind("! Cannot convert string '", 0), 0u);
+        EXPECT_EQ(ToDouble(*string).rfind("! Cannot convert string '", 0), 0u);
+        EXPECT_EQ(ToInt(*string).rfind("! Cannot convert string '", 0), 0u);
+        EXPECT_EQ(ToBool(*string).rfind("! Cannot convert string '", 0), 0u);
+    }
 }
 
 TEST(TextToNumber, ReadsTrueAndFalseInAnyCaseAsBools) {
