@@ -133,7 +133,7 @@ TEST(UqlTest, NothingRunIsAFailure) {
 TEST(UqlTest, AMissingFileIsAnError) {
     const TestFile good("? 1\n= int 1\n", ".uqlt");
     EXPECT_EQ(RunUql({"test", "/no/such/file", good.GetPath()}),
-              Fails("uql: /no/such/file: No such file or directory\n", "1 passed, 0 failed\n"));
+              Fails("uql: /no/such/file: " + GetMissingFileReason() + "\n", "1 passed, 0 failed\n"));
 }
 
 TEST(UqlTest, AMalformedFileIsNotRunAndAnError) {

@@ -64,7 +64,7 @@ TEST(UqlOptions, FReadsTheQueryFromAFile) {
     EXPECT_EQ(RunUql({"-f", marked.GetPath()}), Prints("2\n"));
     const TestFile input("5");
     EXPECT_EQ(RunUql({"-f", query.GetPath(), input.GetPath()}), Prints("3\n"));
-    EXPECT_EQ(RunUql({"-f", "/no/such/file"}), Fails("uql: /no/such/file: No such file or directory\n"));
+    EXPECT_EQ(RunUql({"-f", "/no/such/file"}), Fails("uql: /no/such/file: " + GetMissingFileReason() + "\n"));
 }
 
 TEST(UqlOptions, AQueryWithANulCharacterIsNotCutShort) {
@@ -79,7 +79,8 @@ TEST(UqlOptions, PropsSetsThePropertySource) {
                         R"({"a": "from a file"})");
     EXPECT_EQ(RunUql({"--props", "@" + json.GetPath(), "@a"}), Prints("from a file\n"));
     EXPECT_EQ(RunUql({"--props", "@-", "@a"}, R"({"a": 1})"), Prints("1\n"));
-    EXPECT_EQ(RunUql({"--props", "@/no/such/file", "@a"}), Fails("uql: /no/such/file: No such file or directory\n"));
+    EXPECT_EQ(RunUql({"--props", "@/no/such/file", "@a"}),
+              Fails("uql: /no/such/file: " + GetMissingFileReason() + "\n"));
 }
 
 TEST(UqlOptions, PropsNullIsTheNullValueAndNotNothing) {

@@ -1,6 +1,7 @@
 // Runs the uql command as its users do, without a shell in between.
 #pragma once
 
+#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -21,10 +22,22 @@ void PrintTo(const UqlRun& run, std::ostream* out);
 /// Runs uql to its end. `input` is its standard input.
 UqlRun RunUql(const std::vector<std::string>& arguments, std::string_view input = {});
 
+/// Runs uql at a terminal of its own, until its end. `typed` are the lines that its user types, who then ends the
+/// input. The output is what the terminal shows in the end: what was typed, the results and the errors, each line ended
+/// by a line feed.
+UqlRun RunUqlAtTerminal(const std::vector<std::string>& arguments, std::string_view typed = {});
+
 /// A run that prints `out` and ends with status 0.
 UqlRun Prints(std::string_view out);
 /// A run that prints `out`, then complains, and ends with status 1.
 UqlRun Fails(std::string_view err, std::string_view out = {});
+
+/// The system's words for why "/no/such/file" cannot be read.
+std::string GetMissingFileReason();
+/// The system's words for why "/", a directory, cannot be read.
+std::string GetDirectoryReason();
+/// The system's words for why RunningUql::ToUnwritable takes nothing.
+std::string GetUnwritableReason();
 
 /// A file that exists as long as the object does.
 class TestFile {
@@ -34,6 +47,7 @@ public:
     TestFile& operator=(const TestFile&) = delete;
     ~TestFile();
 
+    /// In UTF-8.
     const std::string& GetPath() const { return path; }
 
 private:
@@ -46,8 +60,7 @@ public:
     enum EOutput {
         ToPipe,       ///< standard output is a pipe
         ToClosedPipe, ///< the same, its reader gone
-        ToTerminal,   ///< standard output is a terminal
-        ToFullDevice, ///< standard output takes nothing
+        ToUnwritable, ///< standard output takes nothing
     };
 
     RunningUql(const std::vector<std::string>& arguments, EOutput outputKind);
@@ -63,10 +76,9 @@ public:
     UqlRun Wait();
 
 private:
-    int process = -1;
-    int input = -1;
-    int output = -1;
-    int errors = -1; // a file
+    struct Process; // the system's
+
+    std::unique_ptr<Process> process;
 };
 
 } // namespace OrvUQL::Tests

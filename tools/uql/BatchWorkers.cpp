@@ -3,8 +3,8 @@
 #include "QueryRunner.h"
 #include "RecordEvaluator.h"
 
-#include <new>
 #include <system_error>
+#include <utility>
 
 namespace OrvUQL::Tool {
 
@@ -15,7 +15,7 @@ public:
         : runner(printer), evaluator(runner, options.keepGoing) {
         QueryFailure failure;
         if (!runner.Prepare(text, options.settings, failure)) {
-            throw std::bad_alloc(); // the same text has been parsed before: only memory can be missing
+            throw WorkerFailed{std::move(failure.message)};
         }
     }
 

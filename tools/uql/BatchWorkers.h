@@ -15,12 +15,18 @@
 
 namespace OrvUQL::Tool {
 
+/// Thrown where a further engine cannot be prepared as the first one was: an automation server may refuse another
+/// object, or a thread have less stack for a deeply nested query.
+struct WorkerFailed {
+    std::string message;
+};
+
 /// Takes batches and gives them back evaluated, in the same order. Each thread has an engine, a query tree and a JSON
 /// reader of its own.
 class BatchWorkers {
 public:
-    /// `queryText` must have been parsed once without an error; it and the options are borrowed. With one job the batches
-    /// are evaluated by the caller's thread.
+    /// `queryText` must have been parsed once without an error; it and the options are borrowed. With one job the
+    /// batches are evaluated by the caller's thread.
     BatchWorkers(const std::string& queryText, const QueryOptions& queryOptions, const Printer& resultPrinter);
     BatchWorkers(const BatchWorkers&) = delete;
     BatchWorkers& operator=(const BatchWorkers&) = delete;
@@ -31,7 +37,7 @@ public:
     /// As many batches as keep every thread busy while the oldest is waited for.
     bool IsFull() const { return pending.size() >= capacity; }
     void Submit(std::unique_ptr<RecordBatch> batch);
-    /// Waits for the oldest batch. Throws what its evaluation threw.
+    /// Waits for the oldest batch. Throws what its evaluation threw, or WorkerFailed.
     std::unique_ptr<RecordBatch> Take();
 
 private:

@@ -76,12 +76,13 @@ bool Meets(const Outcome& outcome, const Expectation& expectation) {
     return outcome.value->ToString(text, nullptr) && text == expectation.text;
 }
 
-/// Evaluates a case's query `times` times on an engine of its own. Empty if each time gave what is expected, else what was
-/// given instead.
+/// Evaluates a case's query `times` times on an engine of its own. Empty if each time gave what is expected, else what
+/// was given instead.
 std::string RunOnFreshEngine(const ConformanceCase& test, int times) {
+    ComApartment apartment; // not entered: no setting of these files asks for an automation object
     QueryEngine engine;
     std::string reason;
-    if (!PrepareEngine(engine, *test.settings, reason)) {
+    if (!PrepareEngine(engine, *test.settings, apartment, reason)) {
         throw std::logic_error(reason); // the reader has tried the JSON texts
     }
     Outcome outcome;

@@ -7,7 +7,28 @@
 
 namespace OrvUQL::Tool {
 
-bool PrepareEngine(QueryEngine& engine, const EngineSettings& settings, std::string& error) {
+namespace {
+
+/// What the settings give for one of the two, or null. False with the reason in `error`.
+bool MakeObject(const std::optional<std::string>& json, const std::optional<std::string>& className,
+                ComApartment& apartment, Ref<IObject>& object, std::string& error) {
+    if (json) {
+        JsonError jsonError;
+        object = JsonReader().Read(*json, jsonError);
+        if (!object) {
+            error = DescribeJsonError(jsonError, *json);
+        }
+    } else if (className) {
+        object = apartment.Create(*className, error);
+    } else {
+        return true;
+    }
+    return static_cast<bool>(object);
+}
+
+} // namespace
+
+bool PrepareEngine(QueryEngine& engine, const EngineSettings& settings, ComApartment& apartment, std::string& error) {
     if (settings.hasGlobals) {
         const Ref<ObjectGlobal> global(new ObjectGlobal());
         engine.SetGlobal(global.Get());
@@ -19,24 +40,18 @@ bool PrepareEngine(QueryEngine& engine, const EngineSettings& settings, std::str
         }
     }
     engine.SetUnitPrecision(settings.precision);
-    JsonReader reader;
-    JsonError jsonError;
-    if (settings.propertySource) {
-        const Ref<IObject> value = reader.Read(*settings.propertySource, jsonError);
-        if (!value) {
-            error = "the property source: " + DescribeJsonError(jsonError, *settings.propertySource);
-            return false;
-        }
-        engine.SetPropertySource(value.Get());
+    Ref<IObject> propertySource;
+    if (!MakeObject(settings.propertySource, settings.propertySourceClass, apartment, propertySource, error)) {
+        error = "the property source: " + error;
+        return false;
     }
-    if (settings.variable) {
-        const Ref<IObject> value = reader.Read(*settings.variable, jsonError);
-        if (!value) {
-            error = "the variable: " + DescribeJsonError(jsonError, *settings.variable);
-            return false;
-        }
-        engine.SetVariable(value.Get());
+    engine.SetPropertySource(propertySource.Get());
+    Ref<IObject> variable;
+    if (!MakeObject(settings.variable, settings.variableClass, apartment, variable, error)) {
+        error = "the variable: " + error;
+        return false;
     }
+    engine.SetVariable(variable.Get());
     return true;
 }
 

@@ -3,6 +3,8 @@
 
 #include <OrvUQL/OrvUQL.h>
 
+#include "ComObject.h"
+
 #include <optional>
 #include <string>
 
@@ -11,13 +13,16 @@ namespace OrvUQL::Tool {
 struct EngineSettings {
     /// Pixels in a kilometre for the catalogue of lengths; nothing: no catalogue.
     std::optional<double> resolution;
-    int precision = 0;                         ///< see QueryEngine::SetUnitPrecision
-    bool hasGlobals = true;                    ///< the global functions
-    std::optional<std::string> propertySource; ///< JSON
-    std::optional<std::string> variable;       ///< JSON
+    int precision = 0;                              ///< see QueryEngine::SetUnitPrecision
+    bool hasGlobals = true;                         ///< the global functions
+    std::optional<std::string> propertySource;      ///< JSON
+    std::optional<std::string> variable;            ///< JSON
+    std::optional<std::string> propertySourceClass; ///< instead, the program ID of an automation object
+    std::optional<std::string> variableClass;       ///< likewise
 };
 
-/// Prepares a new engine. False with the reason in `error` if one of the JSON texts is none.
-bool PrepareEngine(QueryEngine& engine, const EngineSettings& settings, std::string& error);
+/// Prepares a new engine. Automation objects are made in `apartment`, which has to outlive the engine. False with the
+/// reason in `error` if one of the JSON texts is none or one of the objects cannot be made.
+bool PrepareEngine(QueryEngine& engine, const EngineSettings& settings, ComApartment& apartment, std::string& error);
 
 } // namespace OrvUQL::Tool

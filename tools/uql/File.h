@@ -1,7 +1,8 @@
-// Files and streams as the operating system has them: the one seam of the command to the platform.
+// Files and streams as the operating system has them.
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -10,8 +11,8 @@ namespace OrvUQL::Tool {
 /// A file that is read from its beginning to its end. "-" is standard input.
 class InputFile {
 public:
-    /// Opens nothing yet.
-    explicit InputFile(std::string filePath) : path(std::move(filePath)) {}
+    /// Opens nothing yet. The path is UTF-8 where the system's names are not bytes.
+    explicit InputFile(std::string filePath);
     InputFile(InputFile&& other) noexcept;
     InputFile& operator=(InputFile&&) = delete;
     ~InputFile();
@@ -19,6 +20,8 @@ public:
     /// False with the system's words in `error`.
     bool Open(std::string& error);
     /// Reads up to `size` bytes, as many as are there, and waits only if there are none. 0 at the end, -1 on failure.
+    /// The bytes of a file or a pipe come as they are; what is typed at a console comes as UTF-8, its lines ended by a
+    /// line feed.
     std::ptrdiff_t Read(char* buffer, std::size_t size, std::string& error);
     /// True if Read would have to wait for somebody to write.
     bool WouldWait() const;
@@ -27,15 +30,18 @@ public:
     const std::string& GetPath() const { return path; }
 
 private:
+    class Source; // the system's
+
     std::string path;
-    int handle = -1;
+    std::unique_ptr<Source> source;
 };
 
-/// Writes everything to standard output. False with the system's words in `error`; they are empty if the reader has gone
-/// away, which is nothing to complain about.
+/// Writes everything to standard output. False with the system's words in `error`; they are empty if the reader has
+/// gone away, which is nothing to complain about. A console shows UTF-8: no character may be cut in two.
 bool WriteToStandardOutput(std::string_view bytes, std::string& error);
 
-/// Writes everything to standard error. Failures are ignored: there is nobody left to tell.
+/// Writes everything to standard error, likewise, without allocating memory. Failures are ignored: there is nobody left
+/// to tell.
 void WriteToStandardError(std::string_view bytes);
 
 bool IsStandardOutputTerminal();

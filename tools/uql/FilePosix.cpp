@@ -32,32 +32,42 @@ bool WriteAll(int handle, std::string_view bytes) {
 
 } // namespace
 
-InputFile::InputFile(InputFile&& other) noexcept
-    : path(std::move(other.path)), handle(std::exchange(other.handle, -1)) {}
-
-InputFile::~InputFile() {
-    if (handle > STDIN_FILENO) {
-        ::close(handle);
+class InputFile::Source {
+public:
+    explicit Source(int openedHandle) : handle(openedHandle) {}
+    Source(const Source&) = delete;
+    Source& operator=(const Source&) = delete;
+    ~Source() {
+        if (handle > STDIN_FILENO) {
+            ::close(handle);
+        }
     }
-}
+
+    const int handle;
+};
+
+InputFile::InputFile(std::string filePath) : path(std::move(filePath)) {}
+InputFile::InputFile(InputFile&& other) noexcept = default;
+InputFile::~InputFile() = default;
 
 bool InputFile::Open(std::string& error) {
-    handle = path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int handle = path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (handle < 0) {
         error = std::strerror(errno);
         return false;
     }
+    source = std::make_unique<Source>(handle);
     return true;
 }
 
 std::ptrdiff_t InputFile::Read(char* buffer, std::size_t size, std::string& error) {
     for (;;) {
-        const ssize_t count = ::read(handle, buffer, size);
+        const ssize_t count = ::read(source->handle, buffer, size);
         if (count >= 0) {
             return count;
         }
         if (errno == EAGAIN) {
-            pollfd wait{handle, POLLIN, 0};
+            pollfd wait{source->handle, POLLIN, 0};
             ::poll(&wait, 1, -1);
         } else if (errno != EINTR) {
             error = std::strerror(errno);
@@ -67,7 +77,7 @@ std::ptrdiff_t InputFile::Read(char* buffer, std::size_t size, std::string& erro
 }
 
 bool InputFile::WouldWait() const {
-    pollfd question{handle, POLLIN, 0};
+    pollfd question{source->handle, POLLIN, 0};
     return ::poll(&question, 1, 0) == 0;
 }
 

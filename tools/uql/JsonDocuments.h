@@ -17,9 +17,9 @@ struct JsonDocument {
     std::size_t column = 1; ///< from 1, in bytes
 };
 
-/// Finds where documents end by their brackets and quotes alone; whether they are JSON is for the reader to say. What is
-/// cut here is, for every file, what a reader of the whole would have read up to its first error. Holds one document at a
-/// time.
+/// Finds where documents end by their brackets and quotes alone; whether they are JSON is for the reader to say. What
+/// is cut here is, for every file, what a reader of the whole would have read up to its first error. Holds one document
+/// at a time.
 class JsonDocuments {
 public:
     /// The file must be open.

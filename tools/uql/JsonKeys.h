@@ -8,8 +8,8 @@
 
 namespace OrvUQL::Tool {
 
-/// An immutable list of names, each at most once, in input order. Counted like the library's objects and like them for one
-/// thread at a time.
+/// An immutable list of names, each at most once, in input order. Counted like the library's objects and like them for
+/// one thread at a time.
 class JsonKeys : public RefCountImpl<IRefCountObject> {
 public:
     /// `written` are the names as the input has them. A name that comes again is the same member as the first time.

@@ -8,12 +8,14 @@
 
 namespace OrvUQL::Tool {
 
-/// Type "object". Its members are its methods: `@order.total`. The methods that every value has come first, and two of its
-/// own, `Get('name')` and `Keys()`, by which members are reached whose names no query can spell or that those methods hide.
-/// A name is looked for as it is written, then without regard to case; a member that is not there is the null value.
+/// Type "object". Its members are its methods: `@order.total`. The methods that every value has come first, and two of
+/// its own, `Get('name')` and `Keys()`, by which members are reached whose names no query can spell or that those
+/// methods hide. A name is looked for as it is written, then without regard to case; a member that is not there is the
+/// null value.
 class JsonObject : public ObjectBase {
 public:
-    /// Takes over a reference to the names, and the values' references: one non-null value for each name, in their order.
+    /// Takes over a reference to the names, and the values' references: one non-null value for each name, in their
+    /// order.
     JsonObject(Ref<JsonKeys> keys, ObjectList&& values);
     ~JsonObject() override;
 

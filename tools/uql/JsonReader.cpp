@@ -167,8 +167,8 @@ public:
     }
 
     bool parse_error(std::size_t position, const std::string&, const nlohmann::json::exception& exception) override {
-        // "[json.exception.parse_error.101] parse error at line 1, column 2: what is wrong": the place is told by us, who
-        // know where the document stands in its file.
+        // "[json.exception.parse_error.101] parse error at line 1, column 2: what is wrong": the place is told by us,
+        // who know where the document stands in its file.
         const std::string_view what = exception.what();
         const std::size_t place = what.find("] ");
         std::string_view message = place == std::string_view::npos ? what : what.substr(place + 2);

@@ -19,10 +19,11 @@ struct JsonError {
     std::string message;
 };
 
-/// Reads JSON documents. null, true, false, strings and arrays become the language's own values; a number that is written
-/// as an integer and fits 32 bits an int, any other a double; an object a JsonObject. Nesting takes no stack.
+/// Reads JSON documents. null, true, false, strings and arrays become the language's own values; a number that is
+/// written as an integer and fits 32 bits an int, any other a double; an object a JsonObject. Nesting takes no stack.
 ///
-/// A reader remembers the names it has seen, and its values share them: reader and values belong to one thread at a time.
+/// A reader remembers the names it has seen, and its values share them: reader and values belong to one thread at a
+/// time.
 class JsonReader {
 public:
     JsonReader();
@@ -38,8 +39,8 @@ private:
     std::unique_ptr<Builder> builder;
 };
 
-/// "line 3, column 5: MESSAGE" for an error in a text that begins at the given line and column, both counted from 1; columns
-/// count bytes.
+/// "line 3, column 5: MESSAGE" for an error in a text that begins at the given line and column, both counted from 1;
+/// columns count bytes.
 std::string DescribeJsonError(const JsonError& error, std::string_view text, std::size_t line = 1,
                               std::size_t column = 1);
 

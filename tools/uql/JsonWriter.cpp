@@ -134,8 +134,8 @@ public:
         return true;
     }
 
-    /// Writes what stands before the next item and sets `item`, which is null for an empty slot of an array. False at the
-    /// end, the closing bracket written.
+    /// Writes what stands before the next item and sets `item`, which is null for an empty slot of an array. False at
+    /// the end, the closing bracket written.
     bool Next(OrvStringT& out, const IObject*& item) {
         const std::size_t count =
             object != nullptr ? object->GetValues().size() : static_cast<std::size_t>(array->GetCount());

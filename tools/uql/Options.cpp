@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include "ComObject.h"
 #include "ErrorReport.h"
 
 #include <CLI/CLI.hpp>
@@ -42,8 +43,8 @@ constexpr const char* queryNotes =
     "\n"
     "Examples:\n"
     "  uql \"'abc'.Length() + 2 * 3\"\n"
-    "  uql '-(1) * 2'\n"
-    "  uql '{1 in} + {1 cm}'\n"
+    "  uql \"-(1) * 2\"\n"
+    "  uql \"{1 in} + {1 cm}\"\n"
     "  uql \"@name + ': ' + @price * 1.2\" orders.json";
 
 constexpr const char* testUsage = "Usage: uql test FILE...\n";
@@ -110,6 +111,7 @@ void AddHelp(CLI::App& app, const char* usage, const char* notes) {
     app.set_help_flag("-h,--help", "Print this text and end.");
     app.set_version_flag("--version", "uql " ORVUQL_VERSION, "Print the version and end.");
     app.footer(notes);
+    app.allow_windows_style_options(false); // a path or a query may begin with a slash
 }
 
 /// Lets the parser read the arguments. What it has to say is in `outcome` if it returns false.
@@ -168,6 +170,42 @@ std::size_t FindQuery(const CLI::App& app, const std::vector<std::string>& argum
     return query;
 }
 
+/// An automation object instead of what another option gives. Where there are none the options are known, so that what
+/// is wrong can be said, but not told of.
+void AddComOption(CLI::App& app, const char* name, std::optional<std::string>& programId, const char* description) {
+    CLI::Option* const option = app.add_option(name, programId, description);
+    option->type_name("PROGID")->option_text("PROGID");
+    if (!HasComObjects()) {
+        option->group("");
+    }
+}
+
+/// What is wrong with the use of --props, --var and their like; empty: nothing.
+std::string FindConflict(const QueryOptions& options) {
+    const EngineSettings& settings = options.settings;
+    if (!HasComObjects()) {
+        if (settings.propertySourceClass) {
+            return "--com needs Windows";
+        }
+        if (settings.variableClass) {
+            return "--com-var needs Windows";
+        }
+    }
+    if (settings.propertySource && settings.propertySourceClass) {
+        return "--com and --props exclude each other";
+    }
+    if (settings.variable && settings.variableClass) {
+        return "--com-var and --var exclude each other";
+    }
+    if (!options.inputs.empty() && settings.propertySource) {
+        return "--props and INPUT exclude each other";
+    }
+    if (!options.inputs.empty() && settings.propertySourceClass) {
+        return "--com and INPUT exclude each other";
+    }
+    return std::string();
+}
+
 bool ReadsStandardInputTwice(const QueryOptions& options) {
     auto count = std::count(options.inputs.begin(), options.inputs.end(), "-");
     count += options.queryFile == "-" ? 1 : 0;
@@ -196,6 +234,10 @@ Options ParseQueryOptions(std::vector<std::string> arguments) {
     app.add_option("--var", options.query.settings.variable, "The current variable ($name); @FILE: the JSON in FILE.")
         ->type_name("JSON")
         ->option_text("JSON");
+    AddComOption(app, "--com", options.query.settings.propertySourceClass,
+                 "The property source is a new automation object of that class;\nonly properties can be read.");
+    AddComOption(app, "--com-var", options.query.settings.variableClass,
+                 "The current variable is a new automation object; each thread of -j\nhas one of its own.");
     app.add_option("--resolution", options.query.settings.resolution,
                    "Pixels in a kilometre, for the unit px. 0, the default, stands\nfor 300 pixels an inch.")
         ->type_name("N")
@@ -237,8 +279,8 @@ Options ParseQueryOptions(std::vector<std::string> arguments) {
     if (!isQueryGiven && query->count() == 0 && file->count() == 0) {
         return Misuse("a query is missing");
     }
-    if (!options.query.inputs.empty() && options.query.settings.propertySource) {
-        return Misuse("--props and INPUT exclude each other");
+    if (const std::string conflict = FindConflict(options.query); !conflict.empty()) {
+        return Misuse(conflict);
     }
     if (ReadsStandardInputTwice(options.query)) {
         return Misuse("standard input can be read only once");

@@ -36,8 +36,8 @@ struct Options {
     std::string text;
 };
 
-/// Reads the arguments, without the program's name. The first one that is no known option is the query, also if it begins
-/// with a minus sign.
+/// Reads the arguments, without the program's name. The first one that is no known option is the query, also if it
+/// begins with a minus sign.
 Options ParseOptions(std::vector<std::string> arguments);
 
 } // namespace OrvUQL::Tool

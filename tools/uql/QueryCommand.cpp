@@ -133,7 +133,12 @@ int RunQuery(QueryOptions options, Output& output) {
     }
     output.Write(result);
     if (!options.inputs.empty()) {
-        return RecordRun(options, printer, output).Run();
+        try {
+            return RecordRun(options, printer, output).Run();
+        } catch (const WorkerFailed& failure) {
+            output.WriteError(FormatMessage(failure.message));
+            return 1;
+        }
     }
     output.Flush();
     return 0;

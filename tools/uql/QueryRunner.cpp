@@ -5,7 +5,7 @@
 namespace OrvUQL::Tool {
 
 bool QueryRunner::Prepare(std::string_view text, const EngineSettings& settings, QueryFailure& failure) {
-    if (!PrepareEngine(engine, settings, failure.message)) {
+    if (!PrepareEngine(engine, settings, apartment, failure.message)) {
         return false;
     }
     query = OrvStringT::FromUtf8(text);

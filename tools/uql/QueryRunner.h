@@ -35,6 +35,7 @@ public:
 private:
     QueryFailure Describe(IError* error) const;
 
+    ComApartment apartment; // outlives the engine and all values
     QueryEngine engine;
     OrvStringT query;
     Ref<IQueryElement> tree;

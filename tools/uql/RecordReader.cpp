@@ -11,8 +11,8 @@ constexpr std::size_t mostBytes = 64 * 1024;
 
 } // namespace
 
-/// Batches are small at first, so that few records that take long are spread over all threads, and grow so slowly that the
-/// records before have always been a multiple of them.
+/// Batches are small at first, so that few records that take long are spread over all threads, and grow so slowly that
+/// the records before have always been a multiple of them.
 std::size_t RecordReader::GetBatchLimit() const { return std::min(1 + batches / 8, mostRecords); }
 
 bool RecordReader::Open(std::string& error) {

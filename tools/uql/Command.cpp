@@ -1,4 +1,4 @@
-// uql: evaluates queries from the command line.
+#include "Command.h"
 
 #include "ConformanceRunner.h"
 #include "ErrorReport.h"
@@ -10,10 +10,11 @@
 #include <new>
 #include <stdexcept>
 
-int main(int argc, char** argv) {
-    using namespace OrvUQL::Tool;
+namespace OrvUQL::Tool {
+
+int RunCommand(const std::function<std::vector<std::string>()>& getArguments) {
     try {
-        const Options options = ParseOptions(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc));
+        const Options options = ParseOptions(getArguments());
         Output output;
         switch (options.command) {
         case Options::ShowText:
@@ -39,3 +40,5 @@ int main(int argc, char** argv) {
     }
     return 1;
 }
+
+} // namespace OrvUQL::Tool
