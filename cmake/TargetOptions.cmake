@@ -19,9 +19,23 @@ endif()
 # and std::size_t in the standard library, and a cast at every border would hide the casts that matter.
 function(orvuql_target_options target)
     set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion -Wshadow)
+    if(MSVC)
+        # Sources are UTF-8, and the dialect is the standard's. That exported classes have bases and members of the
+        # standard library (C4251, C4275) is no news to hosts, who build with the same one.
+        target_compile_options(${target} PRIVATE /W4 /utf-8 /permissive- /Zc:__cplusplus /wd4251 /wd4275)
+        set(fatal_warnings /WX)
+    else()
+        target_compile_options(${target} PRIVATE
+            -Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion -Wshadow)
+        set(fatal_warnings -Werror)
+    endif()
+    # What mingw-w64's windows.h reads from the thread's block, at small addresses in a segment, g++ takes for arrays
+    # at a null pointer.
+    if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        target_compile_options(${target} PRIVATE -Wno-array-bounds)
+    endif()
     if(ORVUQL_WERROR)
-        target_compile_options(${target} PRIVATE -Werror)
+        target_compile_options(${target} PRIVATE ${fatal_warnings})
     endif()
     if(ORVUQL_SANITIZE)
         target_compile_options(${target} PRIVATE

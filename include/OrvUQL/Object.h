@@ -4,29 +4,17 @@
 #include "OrvUQL/Error.h"
 #include "OrvUQL/OrvString.h"
 #include "OrvUQL/RefCount.h"
+#include "OrvUQL/Variant.h"
 
 // windows.h turns the names GetObject and GetMessage into others by macro; the interfaces keep theirs.
 #pragma push_macro("GetObject")
 #undef GetObject
-
-#if defined(_WIN32)
-struct tagVARIANT;
-using VARIANT = tagVARIANT;
-#endif
 
 namespace OrvUQL {
 
 class IUnit;
 class IUnitDefinition;
 class QueryEngine;
-
-#if defined(_WIN32)
-using VariantResult = long; // HRESULT
-#else
-/// OLE Automation's VARIANT has no definition on this platform; the operation that fills one keeps its slot.
-struct VARIANT;
-using VariantResult = std::int32_t;
-#endif
 
 /// What a comparison asks. OperEqual and OperNotEqual are the lenient pair (letter case of texts is ignored, lengths
 /// have a tolerance), OperStrictEqual is exact; there is deliberately no strict inequality.
@@ -76,8 +64,9 @@ public:
     virtual bool ToInt(int& out, IError** err) const = 0;
     virtual bool ToDouble(double& out, IError** err) const = 0;
     virtual bool ToString(OrvStringT& out, IError** err) const = 0;
-    /// Fills an OLE Automation VARIANT, which then belongs to the caller (VariantClear). Returns an HRESULT; where
-    /// there is no OLE Automation always E_NOTIMPL (0x80004001), `out` untouched.
+    /// Fills an OLE Automation VARIANT, which need not be initialised and then belongs to the caller (VariantClear).
+    /// Returns an HRESULT, and on failure leaves an error only where it says so; where there is no OLE Automation
+    /// always E_NOTIMPL (0x80004001), `out` untouched.
     virtual VariantResult ToVariant(VARIANT& out, IError** err) const = 0;
     /// A new int or double, whichever suits the value, or null.
     virtual IObject* ToNumeric(IError** err) = 0;

@@ -118,6 +118,14 @@ public:
     bool ToDouble(double& out, IError** err) const override;
     /// The display text. Fails only with "Internal error", where memory ends.
     bool ToString(OrvStringT& out, IError** err) const override;
+    /// By type code: null VT_NULL, bool VT_BOOL, int VT_I4, double VT_R8, string VT_BSTR, an array VT_ARRAY |
+    /// VT_VARIANT from index 0 (arrays in it are VARIANTs holding arrays), a unit of power 0 VT_R8 with its base value,
+    /// any other unit VT_BSTR with its text. Objects and iterators of TypeGlobal fail with DISP_E_TYPEMISMATCH and
+    /// "Unable to convert object '%1' to 'VARIANT' data type".
+    ///
+    /// What else fails gives E_FAIL: other types, a conversion (with its error), an empty slot of an array. An item of
+    /// an array that fails gives its own HRESULT. More than 1000 arrays inside each other, or as many as the stack does
+    /// not take: E_FAIL and "Internal error". Where memory ends: E_OUTOFMEMORY. On failure `out` is empty.
     VariantResult ToVariant(VARIANT& out, IError** err) const override;
     /// The trimmed display text as an int or a double (1e3 is an int, 1.0 a double, 0x1F an int of 32 bits), else
     /// "Cannot convert string '%1' to a number".
@@ -137,8 +145,14 @@ public:
     /// True if the texts are equal, exactly or but for letter case.
     static bool CompareStrings(const OrvStringT& a, const OrvStringT& b, bool caseSensitive);
 #if defined(_WIN32)
-    /// A new value made from a VARIANT, which stays the caller's; null with "Unable to convert unsupported VARIANT
-    /// data type: %1" for those that have no value here.
+    /// A new value made from a VARIANT, which stays the caller's and unchanged. VT_EMPTY, VT_NULL and null pointers
+    /// give null, VT_I1, VT_UI1, VT_I2, VT_I4, VT_INT, and VT_UI4, VT_UINT and VT_UI8 of up to 2147483647 an int, VT_R4
+    /// and VT_R8 a double, VT_BOOL a bool, VT_BSTR a string, VT_DISPATCH an ObjectCom, one-dimensional arrays of these
+    /// or of VARIANTs an array. References (VT_BYREF) to them are followed.
+    ///
+    /// Everything else is refused with "Unable to convert unsupported VARIANT data type: %1" and the VARTYPE, flags
+    /// included, in decimal: VT_UI2 and VT_I8 too, deliberately, though their neighbours are taken. More than 1000
+    /// arrays inside each other, or as many as the stack does not take: "Internal error".
     static IObject* VariantToObject(const VARIANT& in, IError** err);
 #endif
 

@@ -231,6 +231,13 @@ public:
     /// An unpaired surrogate becomes U+FFFD.
     std::string ToUtf8() const;
 
+#if defined(_WIN32)
+    // ---- for OLE Automation ----
+
+    /// A new BSTR with the units, U+0000 among them; the caller frees it (SysFreeString).
+    wchar_t* AllocSysString() const;
+#endif
+
     // ---- for texts that travel as a bare pointer ----
 
     /// Hands over the buffer with this text's share in it; the text is empty afterwards. Only AdoptBuffer may take it.

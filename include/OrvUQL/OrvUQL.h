@@ -7,6 +7,7 @@
 #include "OrvUQL/Object.h"
 #include "OrvUQL/ObjectArray.h"
 #include "OrvUQL/ObjectBase.h"
+#include "OrvUQL/ObjectCom.h"
 #include "OrvUQL/ObjectExpression.h"
 #include "OrvUQL/ObjectGlobal.h"
 #include "OrvUQL/ObjectIterator.h"
@@ -20,3 +21,4 @@
 #include "OrvUQL/Resources.h"
 #include "OrvUQL/Scalars.h"
 #include "OrvUQL/Unit.h"
+#include "OrvUQL/Variant.h"

@@ -128,12 +128,6 @@ bool ObjectBase::CompareTo(EOperType, IObject* other, bool reversed, bool&, IErr
     });
 }
 
-#if !defined(_WIN32)
-VariantResult ObjectBase::ToVariant(VARIANT&, IError**) const {
-    return static_cast<VariantResult>(0x80004001); // E_NOTIMPL: there is no OLE Automation here
-}
-#endif
-
 bool ObjectBase::CompareStrings(const OrvStringT& a, const OrvStringT& b, bool caseSensitive) {
     return caseSensitive ? a == b : a.CompareNoCase(b) == 0;
 }

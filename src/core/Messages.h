@@ -21,6 +21,8 @@ inline constexpr const wchar_t* intOverflow =
 inline constexpr const wchar_t* nullToInt = L"Cannot convert the object 'null' to type 'Int'";
 inline constexpr const wchar_t* nullToDouble = L"Cannot convert the object 'null' to type 'Double'";
 inline constexpr const wchar_t* nullToNumeric = L"Cannot convert the object 'null' to a numeric type";
+inline constexpr const wchar_t* objectToVariant = L"Unable to convert object '%1' to 'VARIANT' data type";
+inline constexpr const wchar_t* unsupportedVariant = L"Unable to convert unsupported VARIANT data type: %1";
 inline constexpr const wchar_t* valueToUnit = L"Cannot convert value '%1' of type '%2' to type 'Unit'";
 inline constexpr const wchar_t* unitToCategory = L"Cannot convert unit '%1' of category '%2' to category '%3'";
 
@@ -45,6 +47,13 @@ inline constexpr const wchar_t* integerOverflow = L"Integer overflow";
 inline constexpr const wchar_t* integerUnderflow = L"Integer Underflow";
 inline constexpr const wchar_t* divisionByZero = L"Division By Zero";
 inline constexpr const wchar_t* internalError = L"Internal error";
+
+// Automation objects.
+inline constexpr const wchar_t* notAProperty = L"'%1' is not a property of object '%2'";
+inline constexpr const wchar_t* propertyFailed =
+    L"Failed to invoke the method '%1' of object '%2'. COM method returned error code %3";
+inline constexpr const wchar_t* enumerationFailed =
+    L"Failed to invoke the _NewEnum method of the object '%1'. COM method returned error code %2";
 
 // Parsing.
 inline constexpr const wchar_t* parseError = L"Error parsing query: %1 at position %2";

@@ -75,11 +75,11 @@ std::uintptr_t GetUsableStackLow() noexcept {
     if (!HasStack()) { // which also finds out what stack this is
         return frame;
     }
-    const ThreadState& thread = CurrentThread();
-    if (frame - thread.stackLow < thread.stackSize) {
-        return thread.stackLow + stackReserve;
+    const StackBounds stack = KnownStack();
+    if (frame - stack.low < stack.size) {
+        return stack.low + stackReserve;
     }
-    return thread.foreignLow + foreignStackReserve;
+    return CurrentThread().foreignLow + foreignStackReserve;
 }
 
 } // namespace OrvUQL::platform

@@ -71,18 +71,42 @@ struct ThreadState {
     /// Counts the failures for want of memory or stack, for those who are told only that something failed.
     unsigned shortages = 0;
 
+    /// Arrays inside each other that are being turned into VARIANTs.
+    int variantDepth = 0;
+
     int releaseDepth = 0;
     PendingReleases pendingReleases;
 };
 
 static_assert(std::is_trivially_destructible_v<ThreadState>);
 
-#if defined(_WIN32)
-ThreadState& CurrentThread() noexcept;
+#if defined(__MINGW32__)
+
+// This compiler's own thread_local is a table behind a lock and a function call. Windows has what ELF systems have: each
+// thread gets a copy of the program's or DLL's section .tls, zeroed or not as the section says, from before its first
+// instruction until after its last. The state lies in that section (ThreadWindows.cpp), and is reached as other
+// compilers for Windows reach a thread_local: the thread's array of copies, the copy of this module, the place in it.
+extern "C" ThreadState orvuqlThreadState;
+extern "C" unsigned long _tls_index;
+
+inline ThreadState& CurrentThread() noexcept {
+    char** copies = nullptr;
+    ThreadState* state = nullptr;
+    // volatile: a fiber may have been moved to another thread since the last look.
+    asm volatile("movq %%gs:0x58, %0" : "=r"(copies));
+    asm("leaq orvuqlThreadState@SECREL32(%1), %0" : "=r"(state) : "r"(copies[_tls_index]));
+    return *state;
+}
+
+#else
+
+#if defined(_MSC_VER)
+extern constinit thread_local ThreadState threadState;
 #else
 // initial-exec: no call into the dynamic loader. The state is small enough for the space that loaders keep for libraries
 // that are opened later.
 extern constinit thread_local ThreadState threadState __attribute__((tls_model("initial-exec")));
+#endif
 
 inline ThreadState& CurrentThread() noexcept {
     ThreadState* state = &threadState;
@@ -93,6 +117,7 @@ inline ThreadState& CurrentThread() noexcept {
 #endif
     return *state;
 }
+
 #endif
 
 // ---- the stack ----
@@ -112,8 +137,57 @@ inline constexpr std::size_t foreignStackReserve = 16 * 1024;
 /// An address in the caller's frame.
 #if defined(_MSC_VER) && !defined(__clang__)
 #define ORVUQL_FRAME_ADDRESS() reinterpret_cast<std::uintptr_t>(_AddressOfReturnAddress())
+#elif defined(__MINGW32__)
+// Asking for the frame's address gives every frame that contains it a frame pointer, and those are unwound wrongly there:
+// registers of the caller come back changed after an exception.
+#define ORVUQL_FRAME_ADDRESS() ::OrvUQL::platform::StackPointer()
+inline std::uintptr_t StackPointer() noexcept {
+    std::uintptr_t pointer = 0;
+    asm volatile("movq %%rsp, %0" : "=r"(pointer));
+    return pointer;
+}
 #else
 #define ORVUQL_FRAME_ADDRESS() reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0))
+#endif
+
+/// A stack's lowest address and size. Size 0: the system does not tell.
+struct StackBounds {
+    std::uintptr_t low = 0;
+    std::uintptr_t size = 0;
+    bool isUnlimited = false; ///< it may grow to `size` as long as nothing else is in the way
+};
+
+/// The bounds known without a question to the system.
+#if defined(_WIN32)
+
+/// At a stack's end Windows keeps guard pages, with which it tells a thread that the stack is used up, and below them a
+/// page that is never there.
+inline constexpr std::size_t stackGuard = 16 * 1024;
+
+// Windows keeps the bounds of the stack that a thread is on, a fiber's too, in the thread's block: the ends that
+// GetCurrentThreadStackLimits tells. Looking there each time is as cheap as remembering, and stays true when a fiber's
+// stack lies where another's has been.
+inline StackBounds KnownStack() noexcept {
+    std::uintptr_t low = 0;
+    std::uintptr_t top = 0;
+#if defined(_MSC_VER) && !defined(__clang__)
+    low = __readgsqword(0x1478);
+    top = __readgsqword(0x08);
+#else
+    asm volatile("movq %%gs:0x1478, %0" : "=r"(low));
+    asm volatile("movq %%gs:0x08, %0" : "=r"(top));
+#endif
+    low += stackGuard;
+    return {low, top - low};
+}
+
+#else
+
+inline StackBounds KnownStack() noexcept {
+    const ThreadState& thread = CurrentThread();
+    return {thread.stackLow, thread.stackSize};
+}
+
 #endif
 
 /// HasStack for a frame outside the bounds known so far.
@@ -123,9 +197,9 @@ bool HasStackElsewhere(std::uintptr_t frame, std::size_t reserve) noexcept;
 /// says asks this first.
 inline bool HasStack(std::size_t reserve = stackReserve) noexcept {
     const std::uintptr_t frame = ORVUQL_FRAME_ADDRESS();
-    const ThreadState& thread = CurrentThread();
-    const std::uintptr_t left = frame - thread.stackLow;
-    if (left < thread.stackSize) {
+    const StackBounds stack = KnownStack();
+    const std::uintptr_t left = frame - stack.low;
+    if (left < stack.size) {
         return left > reserve;
     }
     return HasStackElsewhere(frame, reserve);
@@ -133,12 +207,7 @@ inline bool HasStack(std::size_t reserve = stackReserve) noexcept {
 
 // ---- for the other files of this folder; each system has its own implementation ----
 
-/// The calling thread's stack. Size 0: the system does not tell.
-struct StackBounds {
-    std::uintptr_t low = 0;
-    std::uintptr_t size = 0;
-    bool isUnlimited = false; ///< it may grow to `size` as long as nothing else is in the way
-};
+/// The calling thread's stack.
 StackBounds GetStackBounds() noexcept;
 
 /// Has ClosePool called when the calling thread ends.

@@ -52,6 +52,9 @@ PROBE_WITH(ObjectArray, (ObjectList()))
 PROBE_WITH(ObjectExpression, (nullptr))
 PROBE_WITH(ObjectIterator, (nullptr, nullptr, nullptr, nullptr))
 PROBE(ObjectGlobal)
+#if defined(_WIN32)
+PROBE_WITH(ObjectCom, (nullptr))
+#endif
 PROBE_WITH(ObjectUnit, (nullptr, 0.0, 1, false))
 
 // Units.

@@ -29,6 +29,21 @@ template <typename... Args> std::string Expected(const std::string& format, Args
 
 std::wstring Widened(const std::string& text) { return std::wstring(text.begin(), text.end()); }
 
+/// Whether the C library can be asked. mingw-w64's puts signs before unsigned numbers, writes an octal zero without a
+/// digit, and forgets the width where `g` has more digits than a double.
+bool IsRightInC([[maybe_unused]] const std::string& format) {
+#if defined(__MINGW32__)
+    const auto has = [&format](const char* text) { return format.find(text) != std::string::npos; };
+    const bool isUnsigned = format.find_first_of("uxXo") != std::string::npos;
+    if (isUnsigned && format.find_first_of("+ ") != std::string::npos) {
+        return false;
+    }
+    return !(has("#") && has(".") && has("o")) && !has("30.20g") && !has("30.20G");
+#else
+    return true;
+#endif
+}
+
 /// Every combination of flags, width and precision, with one conversion.
 template <typename T> void ExpectLikeC(const std::string& conversion, const std::vector<T>& values) {
     for (int flags = 0; flags < 32; ++flags) {
@@ -38,6 +53,9 @@ template <typename T> void ExpectLikeC(const std::string& conversion, const std:
         }
         for (const char* const size : {"", "1", "12", "30", ".0", ".", ".1", ".3", ".17", "12.4", "30.20"}) {
             const std::string format = start + size + conversion + "]";
+            if (!IsRightInC(format)) {
+                continue;
+            }
             const std::wstring wide = Widened(format);
             for (const T value : values) {
                 ASSERT_EQ(Formatted(wide.c_str(), value).ToUtf8(), Expected(format, value)) << format << " " << value;

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cwctype>
 #include <optional>
 #include <regex>
 #include <string>
@@ -103,6 +104,16 @@ template <class Engine> std::optional<Engine> Compile(const std::wstring& patter
     }
 }
 
+/// Whether the answer depends on the C library, which std::wregex asks for the class of a unit: that of Windows prints
+/// the tab, and mingw-w64 finds no blank in it.
+bool DiffersInC(const std::wstring& pattern, const std::wstring& subject) {
+    const auto names = [&pattern](const wchar_t* name) { return pattern.find(name) != std::wstring::npos; };
+    if (std::iswprint(L'\t') == 0) {
+        return false;
+    }
+    return names(L"blank") || (names(L"print") && subject.find(L'\t') != std::wstring::npos);
+}
+
 std::string Utf8(const std::wstring& text) { return OrvStringT(text).ToUtf8(); }
 
 } // namespace
@@ -125,6 +136,9 @@ TEST(RegexDifferential, AgreesWithTheStandardLibrary) {
         refused += standard ? 0 : 1;
         for (int j = 0; standard && j < subjectsEach; ++j) {
             const std::wstring subject = generator.Subject();
+            if (DiffersInC(pattern, subject)) {
+                continue;
+            }
             const std::wstring format = generator.Format();
             std::wstring got;
             try {
