@@ -23,17 +23,18 @@ public:
     int GetStringPosition() const override { return position; }
     IObject* Evaluate(QueryEngine* engine, IError** err) const override;
 
-    /// The value, borrowed.
-    IObject* GetValue() const noexcept { return value; }
+    /// The value, borrowed. Null where memory ends before a number's or a bool's object is made.
+    IObject* GetValue() const noexcept;
 
 private:
     friend struct detail::ElementAccess;
     void Decode();
+    bool IsUnmade() const noexcept;
 
-    IObject* value;
+    mutable IObject* value; // of a number or a bool not made before somebody asks for it
     int position;
     std::uint8_t valueKind; // what the value is, if exactly one of the library's scalars or texts ...
-    union {                 // ... and a scalar again, unboxed
+    union {                 // ... and a scalar itself
         bool boolean;
         int integer;
         double number;
@@ -42,12 +43,23 @@ private:
 
 namespace detail {
 
-/// What a call site remembers of its last look-up. Which tables a class has depends on the class alone, so the row
-/// found for one object of a class is that of all.
+/// On whose value a name is invoked.
+enum class CallTarget : std::uint8_t { Parent, Global, PropertySource, GroupParent, Variable };
+
+/// What a row's method without arguments computes, without the object around the result; none where that has to be
+/// asked for in the ordinary way. Runs nothing that is not the library's.
+using DirectMethod = Value (*)(IObject* target);
+
+/// What a call site knows, and what it remembers of its last look-up. Which tables a class has depends on the class
+/// alone, so the row found for one object of a class is that of all.
 struct CallSite {
-    OrvStringT name;                                      ///< as the call passes it, without "@" or "$"
+    OrvStringT name; ///< as the call passes it, without "@" or "$"
+    CallTarget target = CallTarget::Parent;
+    mutable bool isRead = false;  ///< the row takes no arguments, and there are none
+    mutable bool isPlain = false; ///< and the class looks names up in its table: it does not override Invoke()
     mutable const std::type_info* type = nullptr;         ///< the class of the last look-up
     mutable const ObjectBase::MethodMap* entry = nullptr; ///< the row found
+    mutable DirectMethod direct = nullptr;                ///< for the row and the class, or null
 };
 
 } // namespace detail
@@ -84,6 +96,7 @@ public:
 
 private:
     friend struct detail::ElementAccess;
+    detail::Value EvaluateValue(QueryEngine* engine, IError** err) const;
     IObject* EvaluateCalls(QueryEngine* engine, IError** err) const;
     IObject* FindTarget(QueryEngine* engine, IError** err) const;
     IObject* Call(IObject* target, QueryEngine* engine, IError** err) const;

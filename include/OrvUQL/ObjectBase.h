@@ -8,6 +8,10 @@
 
 namespace OrvUQL {
 
+namespace detail {
+struct CallSite;
+}
+
 /// Base of every value class but ObjectExpression. A class of a host derives from it, gives its type and text, and
 /// lists its methods in a table:
 ///
@@ -196,6 +200,9 @@ public:
     const MethodMap* _GetMethodMap() const;
 
 private:
+    bool IsPlain();
+    IObject* InvokeNamed(QueryEngine* engine, const detail::CallSite* site, const wchar_t* name,
+                         const QueryElementList& args, IError** err);
     IObject* CallMethod(QueryEngine* engine, const MethodMap& entry, const wchar_t* name, const OrvStringT& callName,
                         const QueryElementList& args, IError** err);
 };

@@ -6,7 +6,7 @@
 namespace OrvUQL {
 
 namespace detail {
-class ItemEvaluation;
+struct IteratorAccess;
 }
 
 /// The engine's current variable while an array method evaluates its expression: `$item`, `$index` (from 1),
@@ -28,7 +28,7 @@ public:
     const MethodMap* _GetMethodMap() const;
 
 private:
-    friend class detail::ItemEvaluation;
+    friend struct detail::IteratorAccess;
     IObject* Method_LastEval(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
     IObject* Method_Item(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
     IObject* Method_Index(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
@@ -38,9 +38,14 @@ private:
     IObject* item;
     IObject* index;
     IObject* data;
-    // While an array method evaluates, the index, else 0: the objects of an index and of a null `lasteval` are made when
-    // the expression asks for them.
+    // While an array method evaluates, the index, else 0: the objects of an index and of a `lasteval` that is null or a
+    // number are made when the expression asks for them.
     int position = 0;
+    std::int32_t lastKind = 0; // of a `lasteval` without an object: null, an int or a double
+    union {
+        int integer;
+        double number;
+    } last = {};
 };
 
 } // namespace OrvUQL

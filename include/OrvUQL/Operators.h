@@ -7,6 +7,10 @@
 
 namespace OrvUQL {
 
+namespace detail {
+class Program;
+}
+
 /// Sign ("+", "-") and negation ("!", "not").
 class ORVUQL_API OperatorUnary : public QueryElementBase {
 public:
@@ -25,11 +29,11 @@ public:
 
 private:
     friend struct detail::ElementAccess;
-    detail::Value EvaluateValue(QueryEngine* engine, IError** err) const;
 
     IQueryElement* operand;
     OrvStringT op;
     int position;
+    mutable const detail::Program* program = nullptr;
 };
 
 /// Arithmetic ("+", "-", "*", "/", "\", "^"), comparison ("=", "==", "<>", "><", "!=", "<", ">", "<=", "=<", ">=",
@@ -56,14 +60,12 @@ public:
 
 private:
     friend struct detail::ElementAccess;
-    detail::Value EvaluateValue(QueryEngine* engine, IError** err) const;
-    detail::Value Apply(detail::Value left, QueryEngine* engine, IError** err) const;
-    detail::Value EvaluateAndOr(QueryEngine* engine, const detail::Value& left, IError** err) const;
 
     IQueryElement* left;
     IQueryElement* right;
     OrvStringT op;
     int position;
+    mutable const detail::Program* program = nullptr;
 };
 
 /// The conditional "?": evaluates the first or the second branch by the condition, never both.
@@ -89,14 +91,13 @@ public:
 
 private:
     friend struct detail::ElementAccess;
-    detail::Value EvaluateValue(QueryEngine* engine, IError** err) const;
-    const IQueryElement* EvaluateIIf(QueryEngine* engine, detail::ElementKind& kind, IError** err) const;
 
     IQueryElement* condition;
     IQueryElement* first;
     IQueryElement* second;
     OrvStringT op;
     int position;
+    mutable const detail::Program* program = nullptr;
 };
 
 } // namespace OrvUQL

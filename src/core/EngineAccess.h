@@ -4,6 +4,9 @@
 #include "OrvUQL/Elements.h"
 #include "OrvUQL/QueryEngine.h"
 
+#include "core/Value.h"
+
+#include <type_traits>
 #include <utility>
 
 namespace OrvUQL::detail {
@@ -19,6 +22,28 @@ struct EngineAccess {
             return nullptr;
         }
         return std::exchange(engine->callSite, nullptr);
+    }
+
+    /// The object of names that have no parent, borrowed; null if it is not set.
+    static IObject* Target(const QueryEngine* engine, CallTarget target) noexcept {
+        switch (target) {
+        case CallTarget::Variable:
+            return engine->variable;
+        case CallTarget::PropertySource:
+            return engine->propertySource;
+        case CallTarget::Global:
+            return engine->global;
+        case CallTarget::GroupParent:
+            return engine->groupParent;
+        default:
+            return nullptr;
+        }
+    }
+
+    /// Puts an object into the variable's slot, both references handed over; returns the one that was there. For those
+    /// who bring that one back whatever happens.
+    static IObject* ExchangeVariable(QueryEngine* engine, IObject* object) noexcept {
+        return std::exchange(engine->variable, object);
     }
 
     /// Where evaluation keeps the nodes of long chains; see Spine.
@@ -52,5 +77,29 @@ inline IObject* EvaluateArgument(const IQueryElement* element, QueryEngine* engi
     }
     return value;
 }
+
+/// The object as a row's member pointer wants it.
+template <class T> T* Adjust(T* object, int adjustment) noexcept {
+    using Byte = std::conditional_t<std::is_const_v<T>, const char, char>;
+    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(object) + adjustment);
+}
+
+/// Calls a row's method.
+inline IObject* CallRow(ObjectBase* object, const ObjectBase::MethodMap& row, QueryEngine* engine,
+                        const OrvStringT& name, const ObjectList& params, IError** err) {
+    return (Adjust(object, row.handlerAdjust)->*row.handler)(engine, name, params, err);
+}
+
+/// Of calls without arguments.
+inline constinit const ObjectList noParameters;
+
+/// What an element is, for EvaluateArgumentValue().
+ElementKind KindOfElement(const IQueryElement* element) noexcept;
+
+/// The same without an object around what an operator computes. What other elements give is an object and stays it.
+Value EvaluateArgumentValue(const IQueryElement* element, ElementKind kind, QueryEngine* engine, IError** err);
+
+/// The direct form of a row that an object of exactly this class found, or null.
+DirectMethod FindDirectMethod(const std::type_info& type, const ObjectBase::MethodMap& entry) noexcept;
 
 } // namespace OrvUQL::detail

@@ -21,18 +21,10 @@ namespace OrvUQL {
 
 namespace {
 
-constinit const ObjectList noParameters;
-
 bool IsEnd(const ObjectBase::MethodMap& row) noexcept { return row.base == nullptr && row.handler == nullptr; }
 
-/// The object as a row's member pointer wants it.
-template <class T> T* Adjust(T* object, int adjustment) noexcept {
-    using Byte = std::conditional_t<std::is_const_v<T>, const char, char>;
-    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(object) + adjustment);
-}
-
 const ObjectBase::MethodMap* ChainedTable(const ObjectBase* object, const ObjectBase::MethodMap& row) {
-    return (Adjust(object, row.baseAdjust)->*row.base)();
+    return (detail::Adjust(object, row.baseAdjust)->*row.base)();
 }
 
 const ObjectBase::MethodMap* FindRow(const ObjectBase* object, const ObjectBase::MethodMap* row,
@@ -94,6 +86,17 @@ const ObjectBase::MethodMap* ObjectBase::FindMethodEntry(const MethodMap* map, c
 
 IObject* ObjectBase::Invoke(QueryEngine* engine, const wchar_t* name, const QueryElementList& args, IError** err) {
     const detail::CallSite* const site = detail::EngineAccess::TakeCallSite(engine, name);
+    if (site != nullptr && site->isRead && site->type == &typeid(*this) &&
+        (site->entry->isStatic || !IsStaticInstance())) [[likely]] {
+        // Most calls are reads of properties.
+        return Guarded(
+            err, [&] { return detail::CallRow(this, *site->entry, engine, site->name, detail::noParameters, err); });
+    }
+    return InvokeNamed(engine, site, name, args, err);
+}
+
+IObject* ObjectBase::InvokeNamed(QueryEngine* engine, const detail::CallSite* site, const wchar_t* name,
+                                 const QueryElementList& args, IError** err) {
     return Guarded(err, [&]() -> IObject* {
         const std::type_info* const type = &typeid(*this);
         if (site != nullptr && site->type == type) {
@@ -110,10 +113,30 @@ IObject* ObjectBase::Invoke(QueryEngine* engine, const wchar_t* name, const Quer
         if (site != nullptr) {
             site->type = type;
             site->entry = entry;
+            site->isRead = *entry->signature == L'\0' && args.empty();
+            site->isPlain = site->isRead && IsPlain();
+            site->direct = site->isRead ? detail::FindDirectMethod(*type, *entry) : nullptr;
             return CallMethod(engine, *entry, name, site->name, args, err);
         }
         return CallMethod(engine, *entry, name, OrvStringT(name), args, err);
     });
+}
+
+/// Whether the object's class leaves Invoke() and IsStaticInstance() as they are here: what it finds in its table may then
+/// be called without asking. Where the compiler has no way to tell, no class does.
+bool ObjectBase::IsPlain() {
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpmf-conversions"
+#pragma GCC diagnostic ignored "-Wpedantic"
+    using InvokeFunction = IObject* (*)(ObjectBase*, QueryEngine*, const wchar_t*, const QueryElementList&, IError**);
+    using StaticFunction = bool (*)(const ObjectBase*);
+    return (InvokeFunction)(this->*(&ObjectBase::Invoke)) == (InvokeFunction)(&ObjectBase::Invoke) &&
+           (StaticFunction)(this->*(&ObjectBase::IsStaticInstance)) == (StaticFunction)(&ObjectBase::IsStaticInstance);
+#pragma GCC diagnostic pop
+#else
+    return false;
+#endif
 }
 
 IObject* ObjectBase::CallMethod(QueryEngine* engine, const MethodMap& entry, const wchar_t* name,
@@ -121,15 +144,11 @@ IObject* ObjectBase::CallMethod(QueryEngine* engine, const MethodMap& entry, con
     if (!entry.isStatic && IsStaticInstance()) {
         return FailNull(err, message::notStatic, name, GetTypeName());
     }
-    if (*entry.signature == L'\0' && args.empty()) {
-        // Most calls are reads of properties.
-        return (Adjust(this, entry.handlerAdjust)->*entry.handler)(engine, callName, noParameters, err);
-    }
     InlineList<ObjectList, 6> params;
     if (!detail::CollectArguments(engine, name, entry.signature, args, params, err)) {
         return nullptr;
     }
-    return (Adjust(this, entry.handlerAdjust)->*entry.handler)(engine, callName, params, err);
+    return detail::CallRow(this, entry, engine, callName, params, err);
 }
 
 bool ObjectBase::ValidateParameters(QueryEngine* engine, const wchar_t* methodName, const OrvStringT& signature,

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/Failure.h"
-#include "eval/Value.h"
+#include "core/Value.h"
 
 #include <cstdint>
 #include <limits>

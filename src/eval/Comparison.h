@@ -1,7 +1,7 @@
 // The comparison rules, on values and on the scalars inside of them.
 #pragma once
 
-#include "eval/Value.h"
+#include "core/Value.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include "eval/ElementAccess.h"
 
-#include "OrvUQL/ObjectString.h"
+#include "eval/Program.h"
 
 #include <typeinfo>
 
@@ -41,31 +41,62 @@ IObject* ElementAccess::EvaluateObject(const IQueryElement* element, ElementKind
     return kind == ElementKind::Other ? EvaluateArgument(element, engine, err) : element->Evaluate(engine, err);
 }
 
-Value ElementAccess::EvaluateOtherValue(const IQueryElement* element, ElementKind kind, QueryEngine* engine,
-                                        IError** err) {
-    switch (kind) {
-    case ElementKind::Object: {
-        const ElementObject* const literal = static_cast<const ElementObject*>(element);
-        switch (static_cast<ValueKind>(literal->valueKind)) {
-        case ValueKind::Null:
-            return Value::Null();
-        case ValueKind::Text:
-            return Value::Text(static_cast<const ObjectString*>(literal->value)->GetValue());
+namespace {
+
+constexpr ElementKind KindOfNode(const OperatorUnary*) { return ElementKind::Unary; }
+constexpr ElementKind KindOfNode(const OperatorBinary*) { return ElementKind::Binary; }
+constexpr ElementKind KindOfNode(const OperatorTernary*) { return ElementKind::Ternary; }
+
+template <class Node> Value RunOperator(const Node* node, QueryEngine* engine, IError** err) {
+    return CheckStack(node, engine, err) ? ElementAccess::ProgramOf(node)->Run(engine, err) : Value::None();
+}
+
+} // namespace
+
+template <class Node> const Program* ElementAccess::MakeProgram(const Node* node) {
+    node->program = Program::Compile(node, KindOfNode(node));
+    return node->program;
+}
+
+template <class Node> IObject* ElementAccess::EvaluateOperator(const Node* node, QueryEngine* engine, IError** err) {
+    try {
+        return Box(RunOperator(node, engine, err));
+    } catch (const std::bad_alloc&) {
+    } catch (const std::length_error&) {}
+    return FailForMemory(node, engine, err);
+}
+
+template IObject* ElementAccess::EvaluateOperator(const OperatorUnary*, QueryEngine*, IError**);
+template IObject* ElementAccess::EvaluateOperator(const OperatorBinary*, QueryEngine*, IError**);
+template IObject* ElementAccess::EvaluateOperator(const OperatorTernary*, QueryEngine*, IError**);
+
+ElementKind KindOfElement(const IQueryElement* element) noexcept { return ElementAccess::KindOf(element); }
+
+Value EvaluateArgumentValue(const IQueryElement* element, ElementKind kind, QueryEngine* engine, IError** err) {
+    EngineAccess::ClearErrorPosition(engine);
+    try {
+        Value value = Value::None();
+        switch (kind) {
+        case ElementKind::Binary:
+            value = RunOperator(static_cast<const OperatorBinary*>(element), engine, err);
+            break;
+        case ElementKind::Unary:
+            value = RunOperator(static_cast<const OperatorUnary*>(element), engine, err);
+            break;
+        case ElementKind::Ternary:
+            value = RunOperator(static_cast<const OperatorTernary*>(element), engine, err);
+            break;
         default:
-            return Value::Object(literal->Evaluate(engine, err));
+            value = Value::Object(ElementAccess::EvaluateObject(element, kind, engine, err));
         }
-    }
-    case ElementKind::Method:
-        return Unbox(static_cast<const ElementMethod*>(element)->EvaluateCalls(engine, err));
-    case ElementKind::Binary:
-        return static_cast<const OperatorBinary*>(element)->EvaluateValue(engine, err);
-    case ElementKind::Unary:
-        return static_cast<const OperatorUnary*>(element)->EvaluateValue(engine, err);
-    case ElementKind::Ternary:
-        return static_cast<const OperatorTernary*>(element)->EvaluateValue(engine, err);
-    default:
-        return Unbox(EvaluateObject(element, kind, engine, err));
-    }
+        if (value.Failed()) {
+            EngineAccess::SetErrorPositionIfNone(engine, element->GetStringPosition());
+        }
+        return value;
+    } catch (const std::bad_alloc&) {
+    } catch (const std::length_error&) {}
+    FailForMemory(element, engine, err);
+    return Value::None();
 }
 
 } // namespace OrvUQL::detail

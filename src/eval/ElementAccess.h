@@ -3,14 +3,19 @@
 #pragma once
 
 #include "OrvUQL/Elements.h"
+#include "OrvUQL/ObjectString.h"
 #include "OrvUQL/Operators.h"
 
 #include "core/EngineAccess.h"
 #include "core/Failure.h"
-#include "eval/Value.h"
+#include "core/Value.h"
 #include "platform/Thread.h"
 
+#include <typeinfo>
+
 namespace OrvUQL::detail {
+
+class Program;
 
 struct ElementAccess {
     /// What a child is. Asked once, when its parent is made: a child is complete by then, so a subclass shows as
@@ -20,21 +25,38 @@ struct ElementAccess {
     /// The child's value with a reference, or null.
     static IObject* EvaluateObject(const IQueryElement* element, ElementKind kind, QueryEngine* engine, IError** err);
 
-    /// The child's value for a parent that only computes with it.
-    static Value EvaluateValue(const IQueryElement* element, ElementKind kind, QueryEngine* engine, IError** err) {
-        if (kind == ElementKind::Object) {
-            const Value value = LiteralScalar(element);
-            if (!value.Failed()) {
-                return value;
+    /// The value of a call, which `element` must be.
+    static Value CallValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
+        const ElementMethod* const call = static_cast<const ElementMethod*>(element);
+        if (call->site.direct != nullptr) {
+            IObject* const target = KnownTarget(call, engine);
+            if (target != nullptr && call->site.type == &typeid(*target)) {
+                if (const Value value = call->site.direct(target); !value.Failed()) {
+                    return value;
+                }
             }
         }
-        return EvaluateOtherValue(element, kind, engine, err);
+        return call->EvaluateValue(engine, err);
     }
 
-    /// The value of a literal, which `element` must be, if it is a number or a bool; else none.
+    /// The object on which a name is invoked where nothing has to be evaluated to find it, borrowed; else null.
+    static IObject* KnownTarget(const ElementMethod* call, const QueryEngine* engine) noexcept {
+        if (call->site.target != CallTarget::Parent) {
+            return engine == nullptr ? nullptr : EngineAccess::Target(engine, call->site.target);
+        }
+        return call->kinds[0] == ElementKind::Object ? static_cast<const ElementObject*>(call->parent)->value : nullptr;
+    }
+
+    // What a program is made from.
+
+    /// What the value of a literal is, which `element` must be, if exactly one of the library's scalars or texts.
+    static ValueKind LiteralKind(const IQueryElement* element) noexcept {
+        return static_cast<ValueKind>(static_cast<const ElementObject*>(element)->valueKind);
+    }
+    /// The value of a literal if it is a number or a bool; else none.
     static Value LiteralScalar(const IQueryElement* element) noexcept {
         const ElementObject* const literal = static_cast<const ElementObject*>(element);
-        switch (static_cast<ValueKind>(literal->valueKind)) {
+        switch (LiteralKind(element)) {
         case ValueKind::Int:
             return Value::Int(literal->scalar.integer);
         case ValueKind::Double:
@@ -45,9 +67,25 @@ struct ElementAccess {
             return Value::None();
         }
     }
+    /// The text of a literal that is one.
+    static const OrvStringT& LiteralText(const IQueryElement* element) noexcept {
+        return static_cast<const ObjectString*>(static_cast<const ElementObject*>(element)->value)->GetValue();
+    }
+    template <class Node> static ElementKind ChildKind(const Node* node, int child) noexcept {
+        return node->kinds[child];
+    }
+    template <class Node> static OperatorCode CodeOf(const Node* node) noexcept { return node->code; }
+
+    /// The program of an operator. Throws std::bad_alloc where memory ends before it is made.
+    template <class Node> static const Program* ProgramOf(const Node* node) {
+        return node->program != nullptr ? node->program : MakeProgram(node);
+    }
+
+    /// An operator's Evaluate().
+    template <class Node> static IObject* EvaluateOperator(const Node* node, QueryEngine* engine, IError** err);
 
 private:
-    static Value EvaluateOtherValue(const IQueryElement* element, ElementKind kind, QueryEngine* engine, IError** err);
+    template <class Node> static const Program* MakeProgram(const Node* node);
 };
 
 /// A failure of the element's own, not of a child's.
@@ -75,6 +113,12 @@ template <class Work> auto WorkAt(QueryEngine* engine, int position, Work&& work
     }
 }
 
+/// Memory ended somewhere in the element.
+inline std::nullptr_t FailForMemory(const IQueryElement* element, QueryEngine* engine, IError** err) noexcept {
+    EngineAccess::SetErrorPositionIfNone(engine, element->GetStringPosition());
+    return FailNull(err, message::internalError);
+}
+
 /// Guarded(), with the position of the failing element.
 template <class Body>
 IObject* EvaluateGuarded(const IQueryElement* element, QueryEngine* engine, IError** err, Body&& body) {
@@ -82,8 +126,7 @@ IObject* EvaluateGuarded(const IQueryElement* element, QueryEngine* engine, IErr
         return body();
     } catch (const std::bad_alloc&) {
     } catch (const std::length_error&) {}
-    EngineAccess::SetErrorPositionIfNone(engine, element->GetStringPosition());
-    return FailNull(err, message::internalError);
+    return FailForMemory(element, engine, err);
 }
 
 } // namespace OrvUQL::detail

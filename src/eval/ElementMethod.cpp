@@ -9,13 +9,49 @@ namespace OrvUQL {
 using detail::ElementAccess;
 using detail::ElementKind;
 using detail::EngineAccess;
+using detail::Value;
 
 namespace {
 
+detail::CallTarget TargetOf(const OrvStringT& name, const IQueryElement* parent, bool member) {
+    if (parent != nullptr) {
+        return detail::CallTarget::Parent;
+    }
+    switch (name[0]) {
+    case L'@':
+        return detail::CallTarget::PropertySource;
+    case L'$':
+        return detail::CallTarget::Variable;
+    default:
+        return member ? detail::CallTarget::GroupParent : detail::CallTarget::Global;
+    }
+}
+
 /// The name as the call passes it. With a parent it goes there as written, whatever it begins with.
-OrvStringT CallName(const OrvStringT& name, const IQueryElement* parent) {
-    const bool hasPrefix = name[0] == L'@' || name[0] == L'$';
-    return parent == nullptr && hasPrefix ? name.Mid(1) : name;
+OrvStringT CallName(const OrvStringT& name, detail::CallTarget target) {
+    const bool hasPrefix = target == detail::CallTarget::PropertySource || target == detail::CallTarget::Variable;
+    return hasPrefix ? name.Mid(1) : name;
+}
+
+/// Invokes the site's name on an object that the caller holds.
+inline IObject* Invoke(IObject* target, const detail::CallSite& site, const QueryElementList& arguments, int position,
+                       QueryEngine* engine, IError** err) {
+    if (engine == nullptr) {
+        return target->Invoke(engine, site.name.GetString(), arguments, err);
+    }
+    struct Offer { // taken back when the call is over: the site may be gone before the next one
+        QueryEngine* engine;
+        ~Offer() { EngineAccess::OfferCallSite(engine, nullptr); }
+    } offer{engine};
+    EngineAccess::ClearErrorPosition(engine);
+    EngineAccess::OfferCallSite(engine, &site);
+    IObject* const result = target->Invoke(engine, site.name.GetString(), arguments, err);
+    if (result == nullptr) {
+        EngineAccess::SetErrorPositionIfNone(engine, position);
+    } else {
+        EngineAccess::ClearErrorPosition(engine); // what failed inside was put up with
+    }
+    return result;
 }
 
 } // namespace
@@ -28,7 +64,8 @@ ElementMethod::ElementMethod(IQueryElement* target, OrvStringT methodName, Query
                              int textPosition)
     : parent(target), name(std::move(methodName)), position(textPosition), member(isMember) {
     kinds[0] = ElementAccess::KindOf(parent);
-    site.name = CallName(name, parent);
+    site.target = TargetOf(name, parent, member);
+    site.name = CallName(name, site.target);
     // Last, when nothing can fail any more: a constructor that throws has taken nothing.
     arguments = std::move(args);
 }
@@ -36,17 +73,47 @@ ElementMethod::ElementMethod(IQueryElement* target, OrvStringT methodName, Query
 ElementMethod::~ElementMethod() { ReleaseNested(parent); }
 
 void ElementMethod::SetParentObject(IQueryElement* newParent) {
-    OrvStringT callName = CallName(name, newParent);
+    const detail::CallTarget target = TargetOf(name, newParent, member);
+    OrvStringT callName = CallName(name, target);
     if (parent != nullptr) {
         parent->Release();
     }
     parent = newParent;
     kinds[0] = ElementAccess::KindOf(parent);
     site.name = std::move(callName);
+    site.target = target;
 }
 
 IObject* ElementMethod::Evaluate(QueryEngine* engine, IError** err) const {
     return detail::EvaluateGuarded(this, engine, err, [&] { return EvaluateCalls(engine, err); });
+}
+
+/// The same without an object around a scalar or a text. Most names are read from what the engine carries.
+Value ElementMethod::EvaluateValue(QueryEngine* engine, IError** err) const {
+    IObject* const target = ElementAccess::KnownTarget(this, engine);
+    if (target == nullptr) {
+        return detail::Unbox(EvaluateCalls(engine, err));
+    }
+    if (!detail::CheckStack(this, engine, err)) {
+        return Value::None();
+    }
+    target->AddRef();
+    const Reference<IObject> held(target);
+    if (!site.isPlain || site.type != &typeid(*target)) {
+        return detail::Unbox(Invoke(target, site, arguments, position, engine, err));
+    }
+    // The reads of a host's properties: what ObjectBase::Invoke() would do for the row that it found before.
+    EngineAccess::ClearErrorPosition(engine);
+    IObject* const result = Guarded(err, [&] {
+        return detail::CallRow(static_cast<ObjectBase*>(target), *site.entry, engine, site.name, detail::noParameters,
+                               err);
+    });
+    if (result == nullptr) {
+        EngineAccess::SetErrorPositionIfNone(engine, position);
+        return Value::None();
+    }
+    EngineAccess::ClearErrorPosition(engine);
+    return detail::Unbox(result);
 }
 
 IObject* ElementMethod::EvaluateCalls(QueryEngine* engine, IError** err) const {
@@ -79,19 +146,7 @@ IObject* ElementMethod::FindTarget(QueryEngine* engine, IError** err) const {
     if (parent != nullptr) {
         return ElementAccess::EvaluateObject(parent, kinds[0], engine, err);
     }
-    IObject* target = nullptr;
-    if (engine != nullptr) {
-        switch (name[0]) {
-        case L'@':
-            target = engine->GetPropertySource();
-            break;
-        case L'$':
-            target = engine->GetVariable();
-            break;
-        default:
-            target = member ? engine->GetGroupParent() : engine->GetGlobal();
-        }
-    }
+    IObject* const target = engine == nullptr ? nullptr : EngineAccess::Target(engine, site.target);
     if (target == nullptr) {
         detail::FailAt(engine, position);
         // 0-based, deliberately: unlike a parse error's, this position is the element's own.
@@ -102,22 +157,7 @@ IObject* ElementMethod::FindTarget(QueryEngine* engine, IError** err) const {
 }
 
 IObject* ElementMethod::Call(IObject* target, QueryEngine* engine, IError** err) const {
-    if (engine == nullptr) {
-        return target->Invoke(engine, site.name.GetString(), arguments, err);
-    }
-    struct Offer { // taken back when the call is over: the site may be gone before the next one
-        QueryEngine* engine;
-        ~Offer() { EngineAccess::OfferCallSite(engine, nullptr); }
-    } offer{engine};
-    EngineAccess::ClearErrorPosition(engine);
-    EngineAccess::OfferCallSite(engine, &site);
-    IObject* const result = target->Invoke(engine, site.name.GetString(), arguments, err);
-    if (result == nullptr) {
-        EngineAccess::SetErrorPositionIfNone(engine, position);
-    } else {
-        EngineAccess::ClearErrorPosition(engine); // what failed inside was put up with
-    }
-    return result;
+    return Invoke(target, site, arguments, position, engine, err);
 }
 
 } // namespace OrvUQL

@@ -8,6 +8,9 @@
 
 namespace OrvUQL {
 
+using detail::ElementAccess;
+using detail::ValueKind;
+
 ElementObject::ElementObject(IObject* literal, int textPosition, bool addRef) : value(literal), position(textPosition) {
     if (addRef && value != nullptr) {
         value->AddRef();
@@ -16,13 +19,19 @@ ElementObject::ElementObject(IObject* literal, int textPosition, bool addRef) : 
 }
 
 ElementObject::ElementObject(bool literal, int textPosition)
-    : ElementObject(new ObjectBool(literal), textPosition, false) {}
+    : value(nullptr), position(textPosition), valueKind(static_cast<std::uint8_t>(ValueKind::Bool)) {
+    scalar.boolean = literal;
+}
 
 ElementObject::ElementObject(int literal, int textPosition)
-    : ElementObject(new ObjectInt(literal), textPosition, false) {}
+    : value(nullptr), position(textPosition), valueKind(static_cast<std::uint8_t>(ValueKind::Int)) {
+    scalar.integer = literal;
+}
 
 ElementObject::ElementObject(double literal, int textPosition)
-    : ElementObject(new ObjectDouble(literal), textPosition, false) {}
+    : value(nullptr), position(textPosition), valueKind(static_cast<std::uint8_t>(ValueKind::Double)) {
+    scalar.number = literal;
+}
 
 ElementObject::ElementObject(const wchar_t* literal, int textPosition)
     : ElementObject(new ObjectString(literal), textPosition, false) {}
@@ -32,7 +41,7 @@ ElementObject::~ElementObject() { ReleaseNested(value); }
 void ElementObject::Decode() {
     scalar.number = 0;
     if (value == nullptr) {
-        valueKind = static_cast<std::uint8_t>(detail::ValueKind::None);
+        valueKind = static_cast<std::uint8_t>(ValueKind::None);
         return;
     }
     // Unboxing disposes of the object's reference where it needs none: it gets one of its own.
@@ -40,13 +49,13 @@ void ElementObject::Decode() {
     const detail::ValueHolder decoded(detail::Unbox(value));
     valueKind = static_cast<std::uint8_t>(decoded->kind);
     switch (decoded->kind) {
-    case detail::ValueKind::Bool:
+    case ValueKind::Bool:
         scalar.boolean = decoded->boolean;
         break;
-    case detail::ValueKind::Int:
+    case ValueKind::Int:
         scalar.integer = decoded->integer;
         break;
-    case detail::ValueKind::Double:
+    case ValueKind::Double:
         scalar.number = decoded->number;
         break;
     default:
@@ -54,11 +63,25 @@ void ElementObject::Decode() {
     }
 }
 
-IObject* ElementObject::Evaluate(QueryEngine*, IError**) const {
-    if (value != nullptr) {
-        value->AddRef();
+bool ElementObject::IsUnmade() const noexcept {
+    return value == nullptr && static_cast<ValueKind>(valueKind) != ValueKind::None;
+}
+
+IObject* ElementObject::GetValue() const noexcept {
+    if (IsUnmade()) {
+        value = Guarded(nullptr, [&] { return detail::Box(ElementAccess::LiteralScalar(this)); });
     }
     return value;
+}
+
+IObject* ElementObject::Evaluate(QueryEngine* engine, IError** err) const {
+    IObject* const object = GetValue();
+    if (object != nullptr) {
+        object->AddRef();
+    } else if (IsUnmade()) {
+        return detail::FailForMemory(this, engine, err);
+    }
+    return object;
 }
 
 } // namespace OrvUQL

@@ -4,7 +4,7 @@
 #include "OrvUQL/Unit.h"
 
 #include "core/Failure.h"
-#include "eval/Value.h"
+#include "core/Value.h"
 
 namespace OrvUQL::detail {
 

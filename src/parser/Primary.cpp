@@ -82,11 +82,11 @@ Parser::Element Parser::ParseValue() {
     const int position = cursor.position;
     if (platform::EqualsIgnoreCaseAscii(token.text, L"true"sv)) {
         Advance();
-        return MakeLiteral(new ObjectBool(true), position);
+        return Element(new ElementObject(true, position));
     }
     if (platform::EqualsIgnoreCaseAscii(token.text, L"false"sv)) {
         Advance();
-        return MakeLiteral(new ObjectBool(false), position);
+        return Element(new ElementObject(false, position));
     }
     if (platform::EqualsIgnoreCaseAscii(token.text, L"null"sv)) {
         Advance();
@@ -127,15 +127,14 @@ Parser::Element Parser::ParseString() {
 Parser::Element Parser::ParseNumber() {
     const int position = cursor.position;
     int plain = 0;
-    IObject* value = nullptr;
     if (ReadPlainInt(token.text, plain)) {
-        value = new ObjectInt(plain);
-    } else {
-        const Reference<ObjectString> text(new ObjectString(OrvStringT(token.text)));
-        value = text->ToNumeric(err);
-        if (value == nullptr) {
-            return Element();
-        }
+        Advance();
+        return Element(new ElementObject(plain, position));
+    }
+    const Reference<ObjectString> text(new ObjectString(OrvStringT(token.text)));
+    IObject* const value = text->ToNumeric(err);
+    if (value == nullptr) {
+        return Element();
     }
     Advance();
     return MakeLiteral(value, position);

@@ -7,7 +7,7 @@
 
 /// Memory for small, short-lived things: values, elements, texts.
 ///
-/// Each thread keeps lists of free blocks, one for every 16 bytes of size up to 136, each at most 256 blocks long, over
+/// Each thread keeps lists of free blocks, one for every 16 bytes of size up to 136, each at most 1,024 blocks long, over
 /// ::operator new. Blocks belong to no thread: one may be given back on any thread, also on one whose lists were already
 /// torn down, where it goes straight to ::operator delete. The lists are given back when their thread ends.
 ///
@@ -29,7 +29,7 @@ namespace OrvUQL::platform {
 inline constexpr std::size_t poolLimit = PoolBlockSize(poolClasses - 1);
 
 /// How many free blocks of one size a thread keeps.
-inline constexpr int poolRoom = 256;
+inline constexpr int poolRoom = 1024;
 
 #if ORVUQL_POOL
 

@@ -11,19 +11,19 @@ namespace OrvUQL {
 /// A fold: each evaluation sees the result of the one before as `$lasteval`, the first one the initial value.
 IObject* ObjectArrayBase::Method_ForEach(QueryEngine* engine, const OrvStringT&, const ObjectList& params,
                                          IError** err) {
-    params[0]->AddRef();
-    Reference<IObject> result(params[0]);
     const IQueryElement* const expression = GetQueryElement(params[1]);
+    params[0]->AddRef();
+    detail::ValueHolder result(detail::Value::Object(params[0]));
     if (expression == nullptr || GetCount() == 0) {
-        return result.Detach();
+        return detail::Box(result.Detach());
     }
     detail::ItemEvaluation evaluation(engine, expression, params[2]);
-    for (int index = 0; result && index < GetCount(); ++index) {
+    for (int index = 0; !result.Failed() && index < GetCount(); ++index) {
         if (IObject* const item = GetItem(index)) {
             result.Reset(evaluation.Evaluate(result.Detach(), item, index + 1, err));
         }
     }
-    return result.Detach();
+    return detail::Box(result.Detach());
 }
 
 /// Filter keeps the items for which the expression is true, Convert the expression's values.
@@ -42,18 +42,20 @@ IObject* ObjectArrayBase::Method_FilterConvert(QueryEngine* engine, const OrvStr
             continue;
         }
         item->AddRef();
-        Reference<IObject> value(evaluation.Evaluate(nullptr, item.Get(), index + 1, err));
-        if (!value) {
+        detail::ValueHolder value(evaluation.Evaluate(detail::Value::Null(), item.Get(), index + 1, err));
+        if (value.Failed()) {
             return nullptr;
         }
         bool keep = true;
-        if (isFilter && !value->ToBool(keep, err)) {
+        if (isFilter && !detail::ToBool(value.Get(), keep, err)) {
             return nullptr;
         }
+        if (!isFilter) {
+            item.Reset(detail::Box(value.Detach()));
+        }
         if (keep) {
-            Reference<IObject>& kept = isFilter ? item : value;
-            list.push_back(kept.Get());
-            kept.Detach();
+            list.push_back(item.Get());
+            item.Detach();
         }
     }
     return new ObjectArray(std::move(list));
@@ -73,8 +75,8 @@ IObject* ObjectArrayBase::Method_Contains(QueryEngine* engine, const OrvStringT&
         if (item == nullptr) {
             continue;
         }
-        const Reference<IObject> value(evaluation.Evaluate(nullptr, item, index + 1, err));
-        if (!value || !value->ToBool(found, err)) {
+        const detail::ValueHolder value(evaluation.Evaluate(detail::Value::Null(), item, index + 1, err));
+        if (value.Failed() || !detail::ToBool(value.Get(), found, err)) {
             return nullptr;
         }
     }

@@ -4,8 +4,7 @@
 
 #include "core/CountAccess.h"
 #include "core/EngineAccess.h"
-
-#include <utility>
+#include "values/IteratorAccess.h"
 
 namespace OrvUQL::detail {
 
@@ -19,46 +18,41 @@ Reference<IObject> ShareOrNull(IObject* object) {
     return Reference<IObject>(object);
 }
 
-void ReleaseField(IObject*& field) {
-    if (IObject* const object = std::exchange(field, nullptr)) {
-        object->Release();
-    }
-}
-
 } // namespace
 
 ItemEvaluation::ItemEvaluation(QueryEngine* queryEngine, const IQueryElement* element, IObject* userData)
-    : engine(queryEngine), expression(element), data(ShareOrNull(userData)) {}
+    : engine(queryEngine), expression(element), kind(KindOfElement(element)), data(ShareOrNull(userData)) {}
 
 ItemEvaluation::~ItemEvaluation() = default;
 
-IObject* ItemEvaluation::Evaluate(IObject* lasteval, IObject* item, int position, IError** err) {
-    Reference<IObject> heldLast(lasteval);
+Value ItemEvaluation::Evaluate(Value lasteval, IObject* item, int position, IError** err) {
+    ValueHolder heldLast(lasteval);
     Reference<IObject> heldItem(item);
     if (!iterator) {
         iterator.Reset(new ObjectIterator(nullptr, nullptr, nullptr, data.Get()));
     }
-    iterator->lasteval = heldLast.Detach();
-    iterator->item = heldItem.Detach();
-    iterator->position = position;
-    if (!engine->PushVariable(iterator.Get())) {
-        throw std::bad_alloc();
-    }
+    IteratorAccess::Fill(iterator.Get(), heldLast.Detach(), heldItem.Detach(), position);
+    // What PushVariable() and PopVariable() do, without the stack: the variable that is put aside waits here.
+    ++CountAccess::Count(iterator.Get());
     struct Pop { // before anything else can ask for the variable: the array, or the value's conversion
         QueryEngine* engine;
+        IObject* outer;
         Reference<ObjectIterator>& iterator;
         ~Pop() {
-            engine->PopVariable();
+            IObject* const inner = EngineAccess::ExchangeVariable(engine, outer);
+            if (inner == iterator.Get()) {
+                --CountAccess::Count(iterator.Get());
+            } else if (inner != nullptr) {
+                inner->Release(); // a host set another one
+            }
             if (CountAccess::Count(iterator.Get()) != 1) {
                 iterator.Reset(nullptr); // somebody kept it, and it stays as it is
                 return;
             }
-            ReleaseField(iterator->lasteval);
-            ReleaseField(iterator->item);
-            ReleaseField(iterator->index);
+            IteratorAccess::Empty(iterator.Get());
         }
-    } pop{engine, iterator};
-    return EvaluateArgument(expression, engine, err);
+    } pop{engine, EngineAccess::ExchangeVariable(engine, iterator.Get()), iterator};
+    return EvaluateArgumentValue(expression, kind, engine, err);
 }
 
 } // namespace OrvUQL::detail

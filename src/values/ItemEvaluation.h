@@ -6,6 +6,7 @@
 #include "OrvUQL/QueryEngine.h"
 
 #include "core/Failure.h"
+#include "core/Value.h"
 
 namespace OrvUQL::detail {
 
@@ -19,14 +20,14 @@ public:
     ItemEvaluation& operator=(const ItemEvaluation&) = delete;
     ~ItemEvaluation();
 
-    /// Evaluates for `item` at a 1-based position. The references to `lasteval` and `item` are taken over, also on
-    /// failure; a null `lasteval` stands for a null value, made if it is asked for. Returns the value with a
-    /// reference, or null. May throw.
-    IObject* Evaluate(IObject* lasteval, IObject* item, int position, IError** err);
+    /// Evaluates for `item` at a 1-based position. `lasteval` and the reference to `item` are taken over, also on
+    /// failure. Returns the value, or none. May throw.
+    Value Evaluate(Value lasteval, IObject* item, int position, IError** err);
 
 private:
     QueryEngine* engine;
     const IQueryElement* expression;
+    ElementKind kind;
     Reference<IObject> data;
     Reference<ObjectIterator> iterator;
 };

@@ -2,6 +2,8 @@
 
 #include "OrvUQL/Scalars.h"
 
+#include "values/IteratorAccess.h"
+
 namespace OrvUQL {
 
 namespace {
@@ -52,7 +54,7 @@ OrvStringT ObjectIterator::GetTypeName() const { return ORV_TEXT(L"iterator"); }
 
 IObject* ObjectIterator::Method_LastEval(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
     if (lasteval == nullptr && position > 0) {
-        lasteval = new ObjectNull();
+        lasteval = detail::Box(detail::IteratorAccess::LastScalar(this));
     }
     return Share(lasteval);
 }

@@ -1,4 +1,4 @@
-#include "eval/Value.h"
+#include "core/Value.h"
 
 #include "OrvUQL/ObjectString.h"
 #include "OrvUQL/Scalars.h"
@@ -9,6 +9,7 @@
 #include "platform/NumberText.h"
 #include "platform/Pool.h"
 
+#include <type_traits>
 #include <typeinfo>
 
 namespace OrvUQL::detail {
@@ -26,11 +27,51 @@ template <class T> bool IsTypeObject(const IObject* object) noexcept {
 }
 
 /// Gives a reference back to a value that is exactly T, one of the pooled scalars: what Release() does, without the calls.
+/// Nothing in such an object needs a destructor but the text of a string.
 template <class T> void ReleaseScalar(T* object) noexcept {
     if (--CountAccess::Count(object) == 0) {
-        object->T::~T();
+        if constexpr (std::is_same_v<T, ObjectString>) {
+            object->T::~T();
+        }
         platform::PoolFree(object, sizeof(T));
     }
+}
+
+/// The value of an object that is exactly T; `read` reads it. A reference that is handed over is given back.
+template <bool isOwned, class T, class Read> Value TakeOut(IObject* object, Read read) noexcept {
+    T* const exact = static_cast<T*>(object);
+    const Value value = read(*exact);
+    if constexpr (isOwned) {
+        ReleaseScalar(exact);
+    }
+    return value;
+}
+
+template <bool isOwned> Value UnboxAny(IObject* object) noexcept {
+    if (object == nullptr) {
+        return Value::None();
+    }
+    const std::type_info& type = typeid(*object);
+    if (IsExactly<ObjectInt>(type) && !IsTypeObject<ObjectInt>(object)) {
+        return TakeOut<isOwned, ObjectInt>(object, [](ObjectInt& number) { return Value::Int(number.GetValue()); });
+    }
+    if (IsExactly<ObjectDouble>(type) && !IsTypeObject<ObjectDouble>(object)) {
+        return TakeOut<isOwned, ObjectDouble>(object,
+                                              [](ObjectDouble& number) { return Value::Double(number.GetValue()); });
+    }
+    if (IsExactly<ObjectString>(type) && !IsTypeObject<ObjectString>(object)) {
+        return TakeOut<isOwned, ObjectString>(object, [](ObjectString& text) { return Value::Text(text.GetValue()); });
+    }
+    if (IsExactly<ObjectBool>(type) && !IsTypeObject<ObjectBool>(object)) {
+        return TakeOut<isOwned, ObjectBool>(object, [](ObjectBool& truth) { return Value::Bool(truth.GetValue()); });
+    }
+    if (IsExactly<ObjectNull>(type)) {
+        return TakeOut<isOwned, ObjectNull>(object, [](ObjectNull&) { return Value::Null(); });
+    }
+    if constexpr (!isOwned) {
+        object->AddRef();
+    }
+    return Value::Object(object);
 }
 
 /// A text converts by the rules of the text value.
@@ -40,41 +81,9 @@ Reference<ObjectString> MakeString(const Value& value) {
 
 } // namespace
 
-Value Unbox(IObject* object) noexcept {
-    if (object == nullptr) {
-        return Value::None();
-    }
-    const std::type_info& type = typeid(*object);
-    if (IsExactly<ObjectInt>(type) && !IsTypeObject<ObjectInt>(object)) {
-        ObjectInt* const number = static_cast<ObjectInt*>(object);
-        const Value value = Value::Int(number->GetValue());
-        ReleaseScalar(number);
-        return value;
-    }
-    if (IsExactly<ObjectDouble>(type) && !IsTypeObject<ObjectDouble>(object)) {
-        ObjectDouble* const number = static_cast<ObjectDouble*>(object);
-        const Value value = Value::Double(number->GetValue());
-        ReleaseScalar(number);
-        return value;
-    }
-    if (IsExactly<ObjectString>(type) && !IsTypeObject<ObjectString>(object)) {
-        ObjectString* const text = static_cast<ObjectString*>(object);
-        const Value value = Value::Text(text->GetValue());
-        ReleaseScalar(text);
-        return value;
-    }
-    if (IsExactly<ObjectBool>(type) && !IsTypeObject<ObjectBool>(object)) {
-        ObjectBool* const truth = static_cast<ObjectBool*>(object);
-        const Value value = Value::Bool(truth->GetValue());
-        ReleaseScalar(truth);
-        return value;
-    }
-    if (IsExactly<ObjectNull>(type)) {
-        ReleaseScalar(static_cast<ObjectNull*>(object));
-        return Value::Null();
-    }
-    return Value::Object(object);
-}
+Value Unbox(IObject* object) noexcept { return UnboxAny<true>(object); }
+
+Value UnboxShared(IObject* object) noexcept { return UnboxAny<false>(object); }
 
 IObject* Box(Value value) {
     ValueHolder holder(value);

@@ -10,8 +10,8 @@
 
 namespace OrvUQL::detail {
 
-/// The first five agree with IObject::EType.
-enum class ValueKind : std::int32_t {
+/// The first five agree with IObject::EType. As wide as a register: a value is returned in two of them.
+enum class ValueKind : std::int64_t {
     Null = IObject::TypeNull,
     Bool = IObject::TypeBool,
     Int = IObject::TypeInt,
@@ -30,6 +30,9 @@ struct Value {
         wchar_t* text;   ///< one share of a text's buffer
         IObject* object; ///< one reference
     };
+
+    /// Indeterminate.
+    Value() noexcept = default;
 
     static Value None() noexcept { return Value(ValueKind::None); }
     static Value Null() noexcept { return Value(ValueKind::Null); }
@@ -102,6 +105,9 @@ private:
 /// The value of an object, whose reference is taken over: without the object if it is exactly one of the library's
 /// scalars or texts. Null: evaluation failed.
 Value Unbox(IObject* object) noexcept;
+
+/// The same for an object that stays the caller's.
+Value UnboxShared(IObject* object) noexcept;
 
 /// The value as an object with one reference, null if evaluation failed. May throw std::bad_alloc; the value is
 /// disposed of in any case.
