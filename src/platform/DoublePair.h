@@ -6,7 +6,8 @@ namespace OrvUQL::platform {
 /// is thus the nearest double. For intermediate results of middling size: nothing here minds overflow.
 ///
 /// Every operation on two doubles is followed by the recovery of its rounding error, by the classical methods of Dekker
-/// and Knuth; they need no fused multiplication, which not every processor and runtime has.
+/// and Knuth; they need no fused multiplication, which not every processor and runtime has. A source that uses them is
+/// compiled with -ffp-contract=off, lest the compiler fuse operations on its own where the processor can.
 struct DoublePair {
     double high = 0.0;
     double low = 0.0;

@@ -1,6 +1,5 @@
-#include "platform/Power.h"
-
-#include "platform/DoublePair.h"
+#include "platform/DoublePairSeries.h"
+#include "platform/PowerSteps.h"
 
 #include <array>
 #include <bit>
@@ -11,39 +10,13 @@
 
 namespace OrvUQL::platform {
 
-// Windows has several C runtimes, and their powers differ in the last digits; mingw-w64's is some units in the last place
-// off. This one is correctly rounded:
-//
-//     base^exponent = exp(exponent * log(base))
-//
-// in pairs of doubles, which leaves an error of less than 2^-90. Only then the result is rounded, once. Correct rounding
-// could fail where the true value is as close as that to the middle between two doubles without being it, which for
-// operands taken at random happens once in 10^11 times.
+// In pairs of doubles base^exponent = exp(exponent * log(base)) has an error of less than 2^-90. Only then the result is
+// rounded, once. Correct rounding could fail where the true value is as close as that to the middle between two doubles
+// without being it, which for operands taken at random happens once in 10^11 times.
 
 namespace {
 
-constexpr DoublePair ln2{0x1.62e42fefa39efp-1, 0x1.abc9e3b39803fp-56};
-
-// ---- tables, computed by the compiler ----
-
-/// 2 * atanh(x), which is log((1 + x) / (1 - x)).
-constexpr DoublePair LogSeries(DoublePair x, int terms) noexcept {
-    const DoublePair square = x * x;
-    DoublePair sum{};
-    for (int k = terms - 1; k >= 0; --k) {
-        sum = DoublePair{1.0, 0.0} / DoublePair{2.0 * k + 1.0, 0.0} + square * sum;
-    }
-    return 2.0 * (x * sum);
-}
-
-/// exp(x)
-constexpr DoublePair ExpSeries(DoublePair x, int terms) noexcept {
-    DoublePair sum{1.0, 0.0};
-    for (int k = terms; k > 0; --k) {
-        sum = 1.0 + (x * sum) / DoublePair{static_cast<double>(k), 0.0};
-    }
-    return sum;
-}
+// ---- tables ----
 
 // A mantissa m between sqrt(1/2) and sqrt(2) times k/64, with the nearest k, is nearly 1.
 constexpr int inverseSteps = 64;
@@ -165,15 +138,12 @@ Scaled Exp(DoublePair x) noexcept {
 /// x^n by multiplication, for a positive x and a small n, which may be negative.
 Scaled WholePower(double x, int n) noexcept {
     const auto [mantissa, twos] = Split(x);
-    DoublePair square{mantissa, 0.0};
-    DoublePair product{1.0, 0.0};
-    for (int rest = n < 0 ? -n : n;; square = square * square) {
-        if ((rest & 1) != 0) {
-            product = product * square;
-        }
-        rest >>= 1;
-        if (rest == 0) {
-            break;
+    const auto factors = static_cast<unsigned>(n < 0 ? -n : n);
+    DoublePair product{factors == 0 ? 1.0 : mantissa, 0.0};
+    for (unsigned bit = std::bit_floor(factors) >> 1; bit != 0; bit >>= 1) { // from the second binary digit down
+        product = product * product;
+        if ((factors & bit) != 0) {
+            product = mantissa * product;
         }
     }
     if (n < 0) {
@@ -220,20 +190,9 @@ double Round(Scaled scaled) noexcept {
     return static_cast<double>(isUp ? whole + 1 : whole) * Limits::denorm_min();
 }
 
-double PositivePower(double base, double exponent) noexcept {
-    // What a single operation of the processor rounds correctly.
-    if (exponent == 2.0) {
-        return base * base;
-    }
-    if (exponent == 1.0) {
-        return base;
-    }
-    if (exponent == -1.0) {
-        return 1.0 / base;
-    }
-    if (exponent == 0.5) {
-        return std::sqrt(base);
-    }
+} // namespace
+
+double AccuratePower(double base, double exponent) noexcept {
     constexpr double mostFactors = 64.0;
     if (std::fabs(exponent) <= mostFactors) {
         const int n = static_cast<int>(exponent);
@@ -251,35 +210,6 @@ double PositivePower(double base, double exponent) noexcept {
         return 0.0;
     }
     return Round(Exp(exponent * log));
-}
-
-} // namespace
-
-double Power(double base, double exponent) noexcept {
-    constexpr double infinity = Limits::infinity();
-    if (exponent == 0.0 || base == 1.0) {
-        return 1.0; // also of what is no number
-    }
-    if (std::isnan(base) || std::isnan(exponent)) {
-        return base + exponent;
-    }
-    const double size = std::fabs(base);
-    if (std::fabs(exponent) == infinity) {
-        if (size == 1.0) {
-            return 1.0;
-        }
-        return (size > 1.0) == (exponent > 0.0) ? infinity : 0.0;
-    }
-    double sign = 1.0;
-    bool isWhole = true;
-    if (std::signbit(base)) {
-        isWhole = exponent == std::trunc(exponent);
-        sign = isWhole && std::fmod(exponent, 2.0) != 0.0 ? -1.0 : 1.0;
-    }
-    if (size == 0.0 || size == infinity) {
-        return sign * ((size == 0.0) == (exponent > 0.0) ? 0.0 : infinity);
-    }
-    return isWhole ? sign * PositivePower(size, exponent) : Limits::quiet_NaN();
 }
 
 } // namespace OrvUQL::platform
