@@ -170,7 +170,7 @@ protected:
     ObjectBase() noexcept = default;
     ObjectBase(const ObjectBase&) noexcept = default;
     ObjectBase& operator=(const ObjectBase&) noexcept = default;
-    ~ObjectBase() override;
+    ~ObjectBase() override = default;
 
     /// The row for `name` in `map` and the tables chained to it, or null. The first match in table order wins.
     const MethodMap* FindMethodEntry(const MethodMap* map, const OrvStringT& name) const;
@@ -216,7 +216,7 @@ protected:
     explicit ObjectBaseStaticImpl(bool staticInstance) noexcept : isStatic(staticInstance) {}
     ObjectBaseStaticImpl(const ObjectBaseStaticImpl&) noexcept = default;
     ObjectBaseStaticImpl& operator=(const ObjectBaseStaticImpl&) noexcept = default;
-    ~ObjectBaseStaticImpl() override;
+    ~ObjectBaseStaticImpl() override = default;
 
 private:
     bool isStatic;

@@ -11,7 +11,7 @@ namespace OrvUQL {
 class ORVUQL_API ObjectNull : public ObjectBaseStaticImpl {
 public:
     ObjectNull() noexcept : ObjectBaseStaticImpl(false) {}
-    ~ObjectNull() override;
+    ~ObjectNull() override = default;
 
     const MethodMap* GetMethodMap() const override;
     OrvStringT ToString() const override;
@@ -39,7 +39,7 @@ public:
     /// The type object: false, and only static methods can be called on it.
     ObjectBool() noexcept : ObjectBaseStaticImpl(true), value(false) {}
     explicit ObjectBool(bool truth) noexcept : ObjectBaseStaticImpl(false), value(truth) {}
-    ~ObjectBool() override;
+    ~ObjectBool() override = default;
 
     bool GetValue() const noexcept { return value; }
 
@@ -70,7 +70,7 @@ protected:
     explicit ObjectNumeric(bool staticInstance) noexcept : ObjectBaseStaticImpl(staticInstance) {}
     ObjectNumeric(const ObjectNumeric&) noexcept = default;
     ObjectNumeric& operator=(const ObjectNumeric&) noexcept = default;
-    ~ObjectNumeric() override;
+    ~ObjectNumeric() override = default;
 
 private:
     IObject* Method_ToRadians(QueryEngine* engine, const OrvStringT& name, const ObjectList& params, IError** err);
@@ -84,7 +84,7 @@ public:
     /// The type object: 0, and only static methods can be called on it.
     ObjectInt() noexcept : ObjectNumeric(true), value(0) {}
     explicit ObjectInt(int number) noexcept : ObjectNumeric(false), value(number) {}
-    ~ObjectInt() override;
+    ~ObjectInt() override = default;
 
     int GetValue() const noexcept { return value; }
 
@@ -112,7 +112,7 @@ public:
     /// The type object: 0, and only static methods can be called on it.
     ObjectDouble() noexcept : ObjectNumeric(true), value(0.0) {}
     explicit ObjectDouble(double number) noexcept : ObjectNumeric(false), value(number) {}
-    ~ObjectDouble() override;
+    ~ObjectDouble() override = default;
 
     double GetValue() const noexcept { return value; }
 

@@ -43,9 +43,6 @@ const ObjectBase::MethodMap* FindRow(const ObjectBase* object, const ObjectBase:
 
 } // namespace
 
-ObjectBase::~ObjectBase() = default;
-ObjectBaseStaticImpl::~ObjectBaseStaticImpl() = default;
-
 void* ObjectBase::operator new(std::size_t size) { return platform::PoolAllocate(size); }
 void ObjectBase::operator delete(void* block, std::size_t size) noexcept { platform::PoolFree(block, size); }
 

@@ -74,6 +74,11 @@ template <bool isOwned> Value UnboxAny(IObject* object) noexcept {
     return Value::Object(object);
 }
 
+/// What `new` does, with the pool's part inlined.
+template <class T, class... Arguments> T* Make(Arguments... arguments) {
+    return ::new (platform::PoolAllocate(sizeof(T))) T(arguments...);
+}
+
 /// A text converts by the rules of the text value.
 Reference<ObjectString> MakeString(const Value& value) {
     return Reference<ObjectString>(new ObjectString(value.SharedText()));
@@ -86,20 +91,21 @@ Value Unbox(IObject* object) noexcept { return UnboxAny<true>(object); }
 Value UnboxShared(IObject* object) noexcept { return UnboxAny<false>(object); }
 
 IObject* Box(Value value) {
-    ValueHolder holder(value);
     switch (value.kind) {
     case ValueKind::Null:
-        return new ObjectNull();
+        return Make<ObjectNull>();
     case ValueKind::Bool:
-        return new ObjectBool(value.boolean);
+        return Make<ObjectBool>(value.boolean);
     case ValueKind::Int:
-        return new ObjectInt(value.integer);
+        return Make<ObjectInt>(value.integer);
     case ValueKind::Double:
-        return new ObjectDouble(value.number);
-    case ValueKind::Text:
+        return Make<ObjectDouble>(value.number);
+    case ValueKind::Text: {
+        ValueHolder holder(value);
         return new ObjectString(holder.TakeText());
+    }
     case ValueKind::Object:
-        return holder.Detach().object;
+        return value.object;
     case ValueKind::None:
         break;
     }

@@ -16,8 +16,7 @@ namespace {
 /// The values that a run has put aside. It owns them, so that they are disposed of however the run ends.
 class PutAside {
 public:
-    /// One more than the program asks for: where a value waits while something else is evaluated.
-    explicit PutAside(std::size_t depth) : far(depth >= nearCapacity ? new Value[depth + 1] : nullptr) {
+    explicit PutAside(std::size_t depth) : far(depth > nearCapacity ? new Value[depth] : nullptr) {
         values = far ? far.get() : near;
     }
     PutAside(const PutAside&) = delete;
@@ -60,68 +59,69 @@ Value LiteralText(const Instruction& instruction) noexcept {
     return Value::Text(ElementAccess::LiteralText(instruction.element));
 }
 
-/// Two ints, without asking for their types. False where there is no short way.
-inline bool CombineInts(OperatorCode code, int left, int right, Value& result, IError** err) {
+#if defined(__GNUC__)
+#define ORVUQL_ALWAYS_INLINE inline __attribute__((always_inline))
+#else
+#define ORVUQL_ALWAYS_INLINE inline
+#endif
+
+/// Of a value that is none: there is no short way to compute it.
+constexpr ValueKind noShortWay = static_cast<ValueKind>(static_cast<int>(ValueKind::None) + 1);
+
+Value NoShortWay() noexcept {
+    Value value = Value::None();
+    value.kind = noShortWay;
+    return value;
+}
+
+// By value, and all of it in one function: so the operands stay in registers.
+
+/// Two ints, without asking for their types.
+ORVUQL_ALWAYS_INLINE Value CombineInts(OperatorCode code, int left, int right, IError** err) {
     switch (code) {
     case OperatorCode::Plus:
-        result = AddInts(left, right, err);
-        return true;
+        return AddInts(left, right, err);
     case OperatorCode::Minus:
-        result = SubtractInts(left, right, err);
-        return true;
+        return SubtractInts(left, right, err);
     case OperatorCode::Multiply:
-        result = MultiplyInts(left, right);
-        return true;
+        return MultiplyInts(left, right);
     case OperatorCode::Divide:
-        result = DivideDoubles(left, right, err);
-        return true;
+        return DivideDoubles(left, right, err);
     default:
-        if (code > OperatorCode::NotEqual) {
-            return false;
-        }
-        result = Value::Bool(CompareInts(static_cast<EOperType>(code), left, right));
-        return true;
+        return code > OperatorCode::NotEqual ? NoShortWay()
+                                             : Value::Bool(CompareInts(static_cast<EOperType>(code), left, right));
     }
 }
 
-/// And for two numbers of which one is a double.
-inline bool CombineDoubles(OperatorCode code, double left, double right, Value& result, IError** err) {
+/// And two numbers of which one is a double.
+ORVUQL_ALWAYS_INLINE Value CombineDoubles(OperatorCode code, double left, double right, IError** err) {
     switch (code) {
     case OperatorCode::Plus:
-        result = Value::Double(left + right);
-        return true;
+        return Value::Double(left + right);
     case OperatorCode::Minus:
-        result = Value::Double(left - right);
-        return true;
+        return Value::Double(left - right);
     case OperatorCode::Multiply:
-        result = Value::Double(left * right);
-        return true;
+        return Value::Double(left * right);
     case OperatorCode::Divide:
-        result = DivideDoubles(left, right, err);
-        return true;
+        return DivideDoubles(left, right, err);
     default:
-        if (code > OperatorCode::NotEqual) {
-            return false;
-        }
-        result = Value::Bool(CompareDoubles(static_cast<EOperType>(code), left, right, 0.0));
-        return true;
+        return code > OperatorCode::NotEqual
+                   ? NoShortWay()
+                   : Value::Bool(CompareDoubles(static_cast<EOperType>(code), left, right, 0.0));
     }
 }
 
-inline bool CombineNumbers(OperatorCode code, const Value& left, const Value& right, Value& result, IError** err) {
-    if (left.kind == ValueKind::Int) {
-        if (right.kind == ValueKind::Int) {
-            return CombineInts(code, left.integer, right.integer, result, err);
-        }
-        return right.kind == ValueKind::Double && CombineDoubles(code, left.integer, right.number, result, err);
+ORVUQL_ALWAYS_INLINE Value CombineNumbers(OperatorCode code, Value left, Value right, IError** err) {
+    if (left.kind == ValueKind::Int && right.kind == ValueKind::Int) {
+        return CombineInts(code, left.integer, right.integer, err);
     }
-    if (left.kind == ValueKind::Double) {
-        if (right.kind == ValueKind::Double) {
-            return CombineDoubles(code, left.number, right.number, result, err);
-        }
-        return right.kind == ValueKind::Int && CombineDoubles(code, left.number, right.integer, result, err);
+    const bool areNumbers = (left.kind == ValueKind::Int || left.kind == ValueKind::Double) &&
+                            (right.kind == ValueKind::Int || right.kind == ValueKind::Double);
+    if (!areNumbers) {
+        return NoShortWay();
     }
-    return false;
+    return CombineDoubles(code, left.kind == ValueKind::Int ? left.integer : left.number,
+                          right.kind == ValueKind::Int ? right.integer : right.number, err);
 }
 
 /// The rule of an operator for any two operands.
@@ -187,24 +187,27 @@ ORVUQL_NOINLINE Value ApplySign(const Instruction& instruction, Value value, Que
 }
 
 /// Evaluates the right operand while the left one waits, which is disposed of if that fails.
-ORVUQL_NOINLINE Value EvaluateBeside(Value left, PutAside& stack, const Instruction& instruction, QueryEngine* engine,
-                                     IError** err) {
-    stack.Push(left);
+ORVUQL_NOINLINE Value EvaluateBeside(Value left, const Instruction& instruction, QueryEngine* engine, IError** err) {
+    ValueHolder waiting(left);
     const Value right = instruction.action == Action::CombineCall
                             ? ElementAccess::CallValue(instruction.element, engine, err)
                             : Unbox(ElementAccess::EvaluateObject(instruction.element, instruction.kind, engine, err));
-    stack.Pop();
-    if (right.Failed()) {
-        Dispose(left);
+    if (!right.Failed()) {
+        waiting.Detach();
     }
     return right;
 }
 
-} // namespace
+/// For programs that put nothing aside, which most are.
+struct NothingPutAside {
+    explicit NothingPutAside(std::size_t) noexcept {}
+    void Push(Value) noexcept {}
+    Value Pop() noexcept { return Value::None(); }
+};
 
-Value Program::Run(QueryEngine* engine, IError** err) const {
-    PutAside stack(depth);
-    const Instruction* const code = Code();
+template <class Stack>
+ORVUQL_NOINLINE Value RunCode(const Instruction* code, std::size_t depth, QueryEngine* engine, IError** err) {
+    Stack stack(depth);
     const Instruction* at = code;
     // While something else runs, a value that needs an owner waits on the stack; one that does not, stays here.
     Value accumulator = Value::None();
@@ -285,14 +288,14 @@ Value Program::Run(QueryEngine* engine, IError** err) const {
             right = LiteralText(*at);
             break;
         case Action::CombineCall:
-            right = NeedsOwner(accumulator) ? EvaluateBeside(accumulator, stack, *at, engine, err)
+            right = NeedsOwner(accumulator) ? EvaluateBeside(accumulator, *at, engine, err)
                                             : ElementAccess::CallValue(at->element, engine, err);
             if (right.Failed()) {
                 return right;
             }
             break;
         case Action::CombineElement:
-            right = EvaluateBeside(accumulator, stack, *at, engine, err);
+            right = EvaluateBeside(accumulator, *at, engine, err);
             if (right.Failed()) {
                 return right;
             }
@@ -367,8 +370,8 @@ Value Program::Run(QueryEngine* engine, IError** err) const {
             ORVUQL_UNREACHABLE();
         }
 
-        Value result = Value::None();
-        if (!CombineNumbers(at->code, accumulator, right, result, err)) {
+        Value result = CombineNumbers(at->code, accumulator, right, err);
+        if (result.kind == noShortWay) {
             result = CombineOthers(*at, accumulator, right, engine, err);
         }
         if (result.Failed()) {
@@ -377,6 +380,13 @@ Value Program::Run(QueryEngine* engine, IError** err) const {
         accumulator = result;
         ++at;
     }
+}
+
+} // namespace
+
+Value Program::Run(QueryEngine* engine, IError** err) const {
+    return depth == 0 ? RunCode<NothingPutAside>(Code(), depth, engine, err)
+                      : RunCode<PutAside>(Code(), depth, engine, err);
 }
 
 } // namespace OrvUQL::detail

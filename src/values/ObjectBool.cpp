@@ -4,8 +4,6 @@
 
 namespace OrvUQL {
 
-ObjectBool::~ObjectBool() = default;
-
 OrvStringT ObjectBool::GetTypeName() const { return ORV_TEXT(L"bool"); }
 OrvStringT ObjectBool::ToString() const { return OrvUtils::String::ToStringW(value); }
 

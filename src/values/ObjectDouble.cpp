@@ -7,8 +7,6 @@
 
 namespace OrvUQL {
 
-ObjectDouble::~ObjectDouble() = default;
-
 const ObjectBase::MethodMap* ObjectDouble::_GetMethodMap() const {
     static const MethodMap table[] = {
         MethodMap::Method(L"Abs", L"", &ObjectDouble::Method_Abs),

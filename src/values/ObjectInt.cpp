@@ -4,8 +4,6 @@
 
 namespace OrvUQL {
 
-ObjectInt::~ObjectInt() = default;
-
 const ObjectBase::MethodMap* ObjectInt::_GetMethodMap() const {
     static const MethodMap table[] = {
         MethodMap::Method(L"Abs", L"", &ObjectInt::Method_Abs),

@@ -4,8 +4,6 @@
 
 namespace OrvUQL {
 
-ObjectNull::~ObjectNull() = default;
-
 const ObjectBase::MethodMap* ObjectNull::_GetMethodMap() const {
     static const MethodMap table[] = {
         MethodMap::Chain(&ObjectBase::_GetMethodMap),

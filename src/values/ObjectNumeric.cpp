@@ -14,8 +14,6 @@ constexpr double degreesInRadian = 57.29577951308232;
 
 } // namespace
 
-ObjectNumeric::~ObjectNumeric() = default;
-
 const ObjectBase::MethodMap* ObjectNumeric::_GetMethodMap() const {
     static const MethodMap table[] = {
         MethodMap::Method(L"ToRadians", L"", &ObjectNumeric::Method_ToRadians),
