@@ -37,17 +37,7 @@ struct RegexGuard {
         lack = Lack::None;
     }
 
-    static std::uintptr_t StackPointer() noexcept {
-#if defined(_WIN32) && defined(__GNUC__) && defined(__x86_64__)
-        // Asking for the frame's address gives every frame that contains it a frame pointer, and those are unwound
-        // wrongly there: registers of the caller come back changed after an exception.
-        std::uintptr_t pointer = 0;
-        asm volatile("movq %%rsp, %0" : "=r"(pointer));
-        return pointer;
-#else
-        return ORVUQL_FRAME_ADDRESS();
-#endif
-    }
+    static std::uintptr_t StackPointer() noexcept { return ORVUQL_FRAME_ADDRESS(); }
 
 private:
     std::uint64_t grace = 0;

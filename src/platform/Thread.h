@@ -82,10 +82,11 @@ static_assert(std::is_trivially_destructible_v<ThreadState>);
 
 #if defined(__MINGW32__)
 
-// This compiler's own thread_local is a table behind a lock and a function call. Windows has what ELF systems have: each
-// thread gets a copy of the program's or DLL's section .tls, zeroed or not as the section says, from before its first
-// instruction until after its last. The state lies in that section (ThreadWindows.cpp), and is reached as other
-// compilers for Windows reach a thread_local: the thread's array of copies, the copy of this module, the place in it.
+// This compiler's own thread_local is a table behind a lock. A slot of TlsAlloc would have to be filled on each
+// thread's first use, where memory may have ended, and emptied before its last. But Windows has what ELF systems
+// have: each thread gets a copy of the section .tls of every program and DLL, from before its first instruction until
+// after its last. The state lies in that section (ThreadWindows.cpp) and is reached as other compilers for Windows
+// reach a thread_local: the thread's array of copies, the copy of this module, the place in it.
 extern "C" ThreadState orvuqlThreadState;
 extern "C" unsigned long _tls_index;
 

@@ -18,9 +18,11 @@ StackBounds GetStackBounds() noexcept { return KnownStack(); }
 
 namespace {
 
-// Windows calls what the section below lists when a thread ends, on that thread: for the DLL as for a program with the
-// static library in it, for threads of every making, and without a value kept for each thread or fiber. Values that
-// are released later still on the same thread, by whoever is called after, find the lists closed and go to the heap.
+// Windows calls what the section below lists when a thread ends, on that thread: for the DLL as for a program with
+// the static library in it, for threads of every making, and without a value kept for each thread or fiber, as
+// FlsAlloc's callbacks would need. Values that are released later still on the same thread, by whoever is called
+// after, find the lists closed and go to the heap. When the DLL is unloaded, other threads that have used it and
+// still run leave the free blocks of their lists behind: nobody else can reach those.
 void WINAPI OnThreadEvent(void*, DWORD reason, void* isProcessEnding) {
     // When the process ends, its memory goes with it, and other threads may have been stopped anywhere.
     if (reason == DLL_THREAD_DETACH || (reason == DLL_PROCESS_DETACH && isProcessEnding == nullptr)) {

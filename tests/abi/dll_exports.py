@@ -45,7 +45,7 @@ class Interface:
     def __init__(self):
         self.required = {}  # name: kind
         self.allowed = {}
-        self.inline = set()  # each module has its own
+        self.inline = {}  # of exported classes: each module has its own, the library where a table names it
 
     def add_class(self, node, scope):
         name = "".join(f"{len(part)}{part}" for part in scope)
@@ -55,13 +55,13 @@ class Interface:
             self.required[f"_ZTI{name}"] = "type information"
             self.allowed[f"_ZTS{name}"] = "type information"
 
-    def add_function(self, node):
+    def add_function(self, node, names):
         name = node["mangledName"]
         if node.get("pure") or node.get("explicitlyDeleted"):
             return
         kind = {"CXXConstructorDecl": "constructor", "CXXDestructorDecl": "destructor",
                 "CXXMethodDecl": "member function"}.get(node["kind"], "function")
-        self.required[name] = kind
+        names[name] = kind
         # Constructors and destructors have forms of their own for base classes, destructors also one that frees.
         if kind == "constructor":
             self.allowed[name.replace("C1", "C2")] = kind
@@ -69,28 +69,29 @@ class Interface:
             self.allowed[name.replace("D1", "D0")] = kind
             self.allowed[name.replace("D1", "D2")] = kind
 
-    def add(self, node, scope):
+    def add(self, node, scope, in_exported_class=False):
         if node.get("kind") in ("ClassTemplateDecl", "FunctionTemplateDecl"):
             return
-        inside = scope
         if node.get("kind") in ("NamespaceDecl", "CXXRecordDecl"):
-            inside = [*scope, node.get("name", "")]
+            scope = [*scope, node.get("name", "")]
+        if node.get("kind") == "CXXRecordDecl":
+            in_exported_class = is_exported(node)
         if is_exported(node):
             if node["kind"] == "CXXRecordDecl":
                 if "definitionData" in node:
-                    self.add_class(node, inside)
+                    self.add_class(node, scope)
             elif "mangledName" in node:
-                self.add_function(node)
-        elif node.get("kind") == "CXXMethodDecl" and "mangledName" in node:
-            self.inline.add(node["mangledName"])
+                self.add_function(node, self.required)
+        elif in_exported_class and "mangledName" in node:
+            self.add_function(node, self.inline)
         for child in node.get("inner", []):
-            self.add(child, inside)
+            self.add(child, scope, in_exported_class)
 
     def kind(self, name):
-        thunk = re.sub(r"^_ZTh[n]?\d+_", "_Z", name)
+        thunk = re.sub(r"^_ZThn?\d+_", "_Z", name)
         if thunk != name and (thunk in self.required or thunk in self.inline):
             return "way into a member function from a second base"
-        return self.required.get(name) or self.allowed.get(name)
+        return self.required.get(name) or self.allowed.get(name) or self.inline.get(name)
 
 
 def main():

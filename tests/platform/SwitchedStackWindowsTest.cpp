@@ -102,6 +102,18 @@ TEST(SwitchedStack, ServesOneThreadAfterAnother) {
     }
 }
 
+TEST(SwitchedStack, FiberLocalValuesOfTheThreadAreKept) {
+    const DWORD slot = FlsAlloc(nullptr);
+    ASSERT_NE(slot, FLS_OUT_OF_INDEXES);
+    int value = 0;
+    ASSERT_TRUE(FlsSetValue(slot, &value));
+    SwitchedStack stack;
+    ASSERT_TRUE(stack.Open(mebibyte, mebibyte));
+    stack.Run([slot] { FlsSetValue(slot, nullptr); });
+    EXPECT_EQ(FlsGetValue(slot), &value);
+    FlsFree(slot);
+}
+
 TEST(SwitchedStack, RegistersOfTheCallerSurviveAnException) {
     SwitchedStack stack;
     ASSERT_TRUE(stack.Open(mebibyte, mebibyte));

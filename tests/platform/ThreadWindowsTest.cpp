@@ -82,10 +82,34 @@ private:
     }
 };
 
+/// What happens on a thread after the library's own part of its end.
+struct Late {
+    void* block = nullptr;
+    bool isClosed = false;
+    bool isDone = false;
+};
+std::atomic<Late*> late{nullptr};
+
+void WINAPI OnThreadEventLate(void*, DWORD reason, void*) {
+    if (reason != DLL_THREAD_DETACH) {
+        return;
+    }
+    if (Late* const mine = late.exchange(nullptr)) {
+        mine->isClosed = CurrentThread().poolClosed;
+        PoolFree(mine->block, 48);
+        PoolFree(PoolAllocate(48), 48);
+        const PoolList& list = CurrentThread().pool[PoolClass(48)];
+        mine->isDone = list.head == nullptr && list.room == 0;
+    }
+}
+
 constexpr std::size_t kibibyte = 1024;
 constexpr std::size_t mebibyte = 1024 * kibibyte;
 
 } // namespace
+
+// Behind the library's in the order of names.
+extern "C" __attribute__((section(".CRT$XLX"), used)) const PIMAGE_TLS_CALLBACK orvuqlLateCallback = OnThreadEventLate;
 
 TEST(Thread, RecursionEndsAboveTheReserveOfASmallStack) {
     RunOnThread(256 * kibibyte, [] {
@@ -222,4 +246,15 @@ TEST(Pool, ListsAreGivenBackWhenAThreadEnds) {
     }
     EXPECT_LT(countHeap(), before + 100);
     EXPECT_GT(before, 0u);
+}
+
+TEST(Pool, BlocksMayBeFreedAfterTheListsAreGone) {
+    Late mine;
+    RunOnThread(256 * kibibyte, [&mine] {
+        PoolFree(PoolAllocate(48), 48); // opens the lists
+        mine.block = PoolAllocate(48);
+        late = &mine;
+    });
+    EXPECT_TRUE(mine.isClosed);
+    EXPECT_TRUE(mine.isDone);
 }
