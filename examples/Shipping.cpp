@@ -1,5 +1,5 @@
-// A host with values of its own: parcels whose properties and methods queries use, and a catalogue of weights. Each rule
-// is parsed once and evaluated for every parcel.
+// A host with values of its own: parcels whose properties and methods queries use, and a catalogue of weights. Each
+// rule is parsed once and evaluated for every parcel.
 #include <OrvUQL/OrvUQL.h>
 
 #include <cstdio>

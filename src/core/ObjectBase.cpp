@@ -119,8 +119,8 @@ IObject* ObjectBase::InvokeNamed(QueryEngine* engine, const detail::CallSite* si
     });
 }
 
-/// Whether the object's class leaves Invoke() and IsStaticInstance() as they are here: what it finds in its table may then
-/// be called without asking. Where the compiler has no way to tell, no class does.
+/// Whether the object's class leaves Invoke() and IsStaticInstance() as they are here: what it finds in its table may
+/// then be called without asking. Where the compiler has no way to tell, no class does.
 bool ObjectBase::IsPlain() {
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic push

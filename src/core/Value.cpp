@@ -26,8 +26,8 @@ template <class T> bool IsTypeObject(const IObject* object) noexcept {
     return static_cast<const T*>(object)->ObjectBaseStaticImpl::IsStaticInstance();
 }
 
-/// Gives a reference back to a value that is exactly T, one of the pooled scalars: what Release() does, without the calls.
-/// Nothing in such an object needs a destructor but the text of a string.
+/// Gives a reference back to a value that is exactly T, one of the pooled scalars: what Release() does, without the
+/// calls. Nothing in such an object needs a destructor but the text of a string.
 template <class T> void ReleaseScalar(T* object) noexcept {
     if (--CountAccess::Count(object) == 0) {
         if constexpr (std::is_same_v<T, ObjectString>) {

@@ -44,8 +44,8 @@ Value SubtractUnits(const ValueHolder& left, const ValueHolder& right, IError** 
     if (!units.Get(left.Get(), right.Get(), err) || !units.CheckPowers(err)) {
         return Value::None();
     }
-    // Always left minus right, computed from the side of the unit that the result has: of two equal values the difference
-    // is then 0 with the sign that hosts have come to see.
+    // Always left minus right, computed from the side of the unit that the result has: of two equal values the
+    // difference is then 0 with the sign that hosts have come to see.
     const IUnit* const result = units.Coarser();
     const bool isLeft = result == units.Left();
     const IUnit* const other = isLeft ? units.Right() : units.Left();

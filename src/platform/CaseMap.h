@@ -3,7 +3,8 @@
 #include <cstdint>
 #include <string_view>
 
-/// Letter case and white space of single UTF-16 code units, from the tables of the Unicode standard and never from a locale.
+/// Letter case and white space of single UTF-16 code units, from the tables of the Unicode standard and never from a
+/// locale.
 namespace OrvUQL::platform {
 
 /// The mappings of units from U+0080 on; see CaseMapTable.inc.

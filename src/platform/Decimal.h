@@ -9,8 +9,8 @@
 namespace OrvUQL::platform {
 
 /// An unsigned decimal number of any length: 0.d1d2d3... times a power of ten, with the digits as ASCII text. Whoever
-/// reads a number's text fills it digit by digit; what the number is as an integer or a double is decided here, once for
-/// every reader.
+/// reads a number's text fills it digit by digit; what the number is as an integer or a double is decided here, once
+/// for every reader.
 class Decimal {
 public:
     /// Takes the next digit, '0' to '9'; `behindPoint` says on which side of the decimal point it stands.

@@ -2,8 +2,8 @@
 
 namespace OrvUQL::platform {
 
-/// The unevaluated sum of two doubles, about 106 bits: `low` is less than half a unit in the last place of `high`, which
-/// is thus the nearest double. For intermediate results of middling size: nothing here minds overflow.
+/// The unevaluated sum of two doubles, about 106 bits: `low` is less than half a unit in the last place of `high`,
+/// which is thus the nearest double. For intermediate results of middling size: nothing here minds overflow.
 ///
 /// Every operation on two doubles is followed by the recovery of its rounding error, by the classical methods of Dekker
 /// and Knuth; they need no fused multiplication, which not every processor and runtime has. A source that uses them is

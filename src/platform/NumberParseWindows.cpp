@@ -42,7 +42,8 @@ std::size_t SkipDigits(std::wstring_view text, std::size_t at) noexcept {
     return at;
 }
 
-/// Whether a text is [-]digits[.digits][e[+/-]digits], in which programs write numbers, and this library all of its own.
+/// Whether a text is [-]digits[.digits][e[+/-]digits], in which programs write numbers, and this library all of its
+/// own.
 bool IsPlainNumber(std::wstring_view text) noexcept {
     std::size_t at = !text.empty() && text[0] == L'-' ? 1 : 0;
     std::size_t first = at;
@@ -147,8 +148,8 @@ private:
     NUMPARSE number = {};
     BYTE digits[greatestCount];
 
-    /// Whether the text has both parentheses if it has the first. The system should have seen to that, but Wine tells by
-    /// the minus that a pair stands for whether it was closed, and misses the second in "-(5".
+    /// Whether the text has both parentheses if it has the first. The system should have seen to that, but Wine tells
+    /// by the minus that a pair stands for whether it was closed, and misses the second in "-(5".
     bool IsClosed() const noexcept {
         return (number.dwOutFlags & NUMPRS_PARENS) == 0 ||
                std::wstring_view(text).find(L')') != std::wstring_view::npos;

@@ -15,10 +15,11 @@
 //     hex      = "&H" 1*hexdigit               octal = "&O" 1*octdigit      both without a currency sign
 //     suffix   = *( "+" / "-" / ")" / "," / currency )     a sign unless the prefix has the same one, ")" if it has "("
 //
-// The oddities are OLE Automation's and are kept, so that a text is the same number everywhere: separators in the exponent;
-// digits that follow a separator behind the exponent count as digits of the number (1e3,0 is 10000); several signs in the
-// exponent or behind the number; a minus before &H that has no effect; a zero whose digits behind a separator are places,
-// all but one, which may make up for a negative exponent (0e-1,00 is the int 0 and 0e-1 a double).
+// The oddities are OLE Automation's and are kept, so that a text is the same number everywhere: separators in the
+// exponent; digits that follow a separator behind the exponent count as digits of the number (1e3,0 is 10000); several
+// signs in the exponent or behind the number; a minus before &H that has no effect; a zero whose digits behind a
+// separator are places, all but one, which may make up for a negative exponent (0e-1,00 is the int 0 and 0e-1 a
+// double).
 namespace OrvUQL::platform {
 
 namespace {

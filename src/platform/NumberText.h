@@ -27,9 +27,9 @@ enum class NumberKind {
 /// Reads a number in the same forms and chooses its type. Only the result that the kind names is set.
 NumberKind ParseNumber(std::wstring_view text, int& intValue, double& doubleValue) noexcept;
 
-/// wcstoul with an unsigned long of 32 bits: skips white space, takes a sign ("-" negates) and the digits of `base`, and
-/// saturates at 4294967295. `base` is 0 (0x: 16, 0: 8, otherwise 10) or 2..36; any other reads nothing. `used` becomes
-/// the number of units read, 0 if there were no digits.
+/// wcstoul with an unsigned long of 32 bits: skips white space, takes a sign ("-" negates) and the digits of `base`,
+/// and saturates at 4294967295. `base` is 0 (0x: 16, 0: 8, otherwise 10) or 2..36; any other reads nothing. `used`
+/// becomes the number of units read, 0 if there were no digits.
 std::uint32_t ParseUnsigned(std::wstring_view text, int base, std::size_t& used) noexcept;
 
 // ---- number to text ----
@@ -37,8 +37,8 @@ std::uint32_t ParseUnsigned(std::wstring_view text, int base, std::size_t& used)
 /// Room for any text that FormatInteger makes: 32 binary digits and the terminator.
 inline constexpr int integerTextUnits = 33;
 
-/// Writes `value` in `radix` 2..36 with digits and lower-case letters, and a terminator. In radix 10 a negative value has
-/// a minus sign; in any other it is written as its 32-bit pattern. Returns the length.
+/// Writes `value` in `radix` 2..36 with digits and lower-case letters, and a terminator. In radix 10 a negative value
+/// has a minus sign; in any other it is written as its 32-bit pattern. Returns the length.
 int FormatInteger(int value, int radix, wchar_t* buffer) noexcept;
 
 /// Room for any text that FormatDouble makes, with its terminator.

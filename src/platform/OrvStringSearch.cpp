@@ -24,9 +24,9 @@ struct UpperCase {
     static wchar_t Map(wchar_t unit) noexcept { return ToUpperUnit(unit); }
 };
 
-/// Sets `result` to the text with each occurrence replaced, and returns the number of occurrences. Without one, `result`
-/// is left as it is. The occurrences are counted first: the result then has exactly the room it needs, and one that is too
-/// long is known before it is made.
+/// Sets `result` to the text with each occurrence replaced, and returns the number of occurrences. Without one,
+/// `result` is left as it is. The occurrences are counted first: the result then has exactly the room it needs, and one
+/// that is too long is known before it is made.
 template <typename Fold>
 int ReplaceAll(std::wstring_view text, std::wstring_view oldText, std::wstring_view newText, OrvStringT& result) {
     TextSearcher<Fold> searcher(oldText);

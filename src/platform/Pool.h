@@ -7,9 +7,9 @@
 
 /// Memory for small, short-lived things: values, elements, texts.
 ///
-/// Each thread keeps lists of free blocks, one for every 16 bytes of size up to 136, each at most 1,024 blocks long, over
-/// ::operator new. Blocks belong to no thread: one may be given back on any thread, also on one whose lists were already
-/// torn down, where it goes straight to ::operator delete. The lists are given back when their thread ends.
+/// Each thread keeps lists of free blocks, one for every 16 bytes of size up to 136, each at most 1,024 blocks long,
+/// over ::operator new. Blocks belong to no thread: one may be given back on any thread, also on one whose lists were
+/// already torn down, where it goes straight to ::operator delete. The lists are given back when their thread ends.
 ///
 /// Sanitizers must see each allocation, so with them (and with ORVUQL_NO_POOL) there are no lists.
 #if defined(ORVUQL_NO_POOL) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

@@ -10,9 +10,9 @@
 
 namespace OrvUQL::platform {
 
-// In pairs of doubles base^exponent = exp(exponent * log(base)) has an error of less than 2^-90. Only then the result is
-// rounded, once. Correct rounding could fail where the true value is as close as that to the middle between two doubles
-// without being it, which for operands taken at random happens once in 10^11 times.
+// In pairs of doubles base^exponent = exp(exponent * log(base)) has an error of less than 2^-90. Only then the result
+// is rounded, once. Correct rounding could fail where the true value is as close as that to the middle between two
+// doubles without being it, which for operands taken at random happens once in 10^11 times.
 
 namespace {
 

@@ -130,7 +130,8 @@ std::optional<double> QuickPower(double base, double exponent) noexcept {
         return std::nullopt;
     }
     const Split log = Log(base);
-    // The logarithms of the greatest and the smallest double are 709 and -745. What is computed here has all its digits.
+    // The logarithms of the greatest and the smallest double are 709 and -745. What is computed here has all its
+    // digits.
     const double rough = exponent * log.high;
     if (rough > 710.0) {
         return Limits::infinity();

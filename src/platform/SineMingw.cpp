@@ -1,6 +1,6 @@
-// mingw-w64's own sin and cos leave the angle to the processor's instruction, whose pi has 66 bits: sin(1e6) is wrong in
-// the last digits, sin(1e22) in all of them. The system's C runtime has better ones, which are hidden behind those of the
-// same name unless they are imported expressly.
+// mingw-w64's own sin and cos leave the angle to the processor's instruction, whose pi has 66 bits: sin(1e6) is wrong
+// in the last digits, sin(1e22) in all of them. The system's C runtime has better ones, which are hidden behind those
+// of the same name unless they are imported expressly.
 
 #include "platform/Sine.h"
 

@@ -70,8 +70,8 @@ bool SwitchedStack::Open(std::size_t size, std::size_t least) noexcept {
         return false;
     }
     for (std::size_t wanted = size; wanted >= least && wanted != 0; wanted /= 2) {
-        // All of it is promised now. A stack that grows as it is used would end the process where the system has no more
-        // to give; a promise costs no memory until it is used, and can be refused.
+        // All of it is promised now. A stack that grows as it is used would end the process where the system has no
+        // more to give; a promise costs no memory until it is used, and can be refused.
         fiber->handle = CreateFiberEx(wanted, wanted, FIBER_FLAG_FLOAT_SWITCH, Serve, fiber.get());
         if (fiber->handle != nullptr) {
             memory = fiber.release();

@@ -8,8 +8,8 @@ namespace OrvUQL::platform {
 
 /// Finds a pattern in texts, in time linear in the text whatever both hold.
 ///
-/// The plain search from each place where the first unit fits is fastest on what people write, and is done first. When it
-/// has compared much more than it has moved on, the two-way algorithm (Crochemore and Perrin, Journal of the ACM 38,
+/// The plain search from each place where the first unit fits is fastest on what people write, and is done first. When
+/// it has compared much more than it has moved on, the two-way algorithm (Crochemore and Perrin, Journal of the ACM 38,
 /// 1991) takes over: no memory, and at most twice the length of the text in comparisons.
 ///
 /// `Fold` maps a unit to what is compared. The pattern is borrowed and not empty.

@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <string_view>
 
-/// From what hosts write to UTF-16 code units. Where wchar_t has 16 bits there is nothing to do, and the compiler sees it.
+/// From what hosts write to UTF-16 code units. Where wchar_t has 16 bits there is nothing to do, and the compiler sees
+/// it.
 namespace OrvUQL::platform {
 
 inline constexpr wchar_t replacementUnit = 0xFFFD;

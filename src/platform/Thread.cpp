@@ -7,7 +7,8 @@ namespace OrvUQL::platform {
 
 namespace {
 
-// Own bounds are looked up on the thread's first question, which may come from far down the stack or from a switched one.
+// Own bounds are looked up on the thread's first question, which may come from far down the stack or from a switched
+// one.
 void LearnStackBounds(ThreadState& thread, std::uintptr_t frame) noexcept {
     thread.stackKnown = true;
     const StackBounds bounds = GetStackBounds();
@@ -35,8 +36,8 @@ bool HasStackElsewhere(std::uintptr_t frame, std::size_t reserve) noexcept {
     if (frame - thread.stackEnd < thread.stackLow - thread.stackEnd) {
         return false; // in the part of an unlimited stack that is not used
     }
-    // Questions come at short intervals, so a recursion meets the reserve before it could leave the range below; a frame
-    // outside it is on yet another stack.
+    // Questions come at short intervals, so a recursion meets the reserve before it could leave the range below; a
+    // frame outside it is on yet another stack.
     if (frame < thread.foreignLow || frame > thread.foreignTop) {
         thread.foreignTop = frame;
         thread.foreignLow = frame > foreignStackSize ? frame - foreignStackSize : 0;

@@ -104,16 +104,17 @@ inline ThreadState& CurrentThread() noexcept {
 #if defined(_MSC_VER)
 extern constinit thread_local ThreadState threadState;
 #else
-// initial-exec: no call into the dynamic loader. The state is small enough for the space that loaders keep for libraries
-// that are opened later.
+// initial-exec: no call into the dynamic loader. The state is small enough for the space that loaders keep for
+// libraries that are opened later.
 extern constinit thread_local ThreadState threadState __attribute__((tls_model("initial-exec")));
 #endif
 
 inline ThreadState& CurrentThread() noexcept {
     ThreadState* state = &threadState;
 #if defined(__SANITIZE_ADDRESS__) || defined(ORVUQL_SANITIZED)
-    // In a program, ld turns the addition that makes this address into an instruction that sets no flags, while g++ lets
-    // the null check of -fsanitize=undefined read the addition's. Here the check has to look at the address itself.
+    // In a program, ld turns the addition that makes this address into an instruction that sets no flags, while g++
+    // lets the null check of -fsanitize=undefined read the addition's. Here the check has to look at the address
+    // itself.
     asm("" : "+r"(state));
 #endif
     return *state;
@@ -126,12 +127,12 @@ inline ThreadState& CurrentThread() noexcept {
 /// What a recursion leaves to those who do not ask: formatting, the C++ library, a host's own code.
 inline constexpr std::size_t stackReserve = 64 * 1024;
 
-/// How much of a stack without a limit is used, below the first frame seen on it. Only the end of memory, or whatever is
-/// mapped next, would stop a recursion there, and either would end the process.
+/// How much of a stack without a limit is used, below the first frame seen on it. Only the end of memory, or whatever
+/// is mapped next, would stop a recursion there, and either would end the process.
 inline constexpr std::size_t unlimitedStackSize = std::size_t{64} * 1024 * 1024;
 
-/// A stack that is not the thread's own (a coroutine's, a signal's) does not tell its bounds. It is taken to reach 64 KiB
-/// below the first frame seen on it, a quarter of which stands for the reserve.
+/// A stack that is not the thread's own (a coroutine's, a signal's) does not tell its bounds. It is taken to reach 64
+/// KiB below the first frame seen on it, a quarter of which stands for the reserve.
 inline constexpr std::size_t foreignStackSize = 64 * 1024;
 inline constexpr std::size_t foreignStackReserve = 16 * 1024;
 
@@ -139,8 +140,8 @@ inline constexpr std::size_t foreignStackReserve = 16 * 1024;
 #if defined(_MSC_VER) && !defined(__clang__)
 #define ORVUQL_FRAME_ADDRESS() reinterpret_cast<std::uintptr_t>(_AddressOfReturnAddress())
 #elif defined(__MINGW32__)
-// Asking for the frame's address gives every frame that contains it a frame pointer, and those are unwound wrongly there:
-// registers of the caller come back changed after an exception.
+// Asking for the frame's address gives every frame that contains it a frame pointer, and those are unwound wrongly
+// there: registers of the caller come back changed after an exception.
 #define ORVUQL_FRAME_ADDRESS() ::OrvUQL::platform::StackPointer()
 inline std::uintptr_t StackPointer() noexcept {
     std::uintptr_t pointer = 0;
@@ -194,8 +195,8 @@ inline StackBounds KnownStack() noexcept {
 /// HasStack for a frame outside the bounds known so far.
 bool HasStackElsewhere(std::uintptr_t frame, std::size_t reserve) noexcept;
 
-/// Whether more than `reserve` bytes are left below the caller's frame. Every function that recurses as deep as its input
-/// says asks this first.
+/// Whether more than `reserve` bytes are left below the caller's frame. Every function that recurses as deep as its
+/// input says asks this first.
 inline bool HasStack(std::size_t reserve = stackReserve) noexcept {
     const std::uintptr_t frame = ORVUQL_FRAME_ADDRESS();
     const StackBounds stack = KnownStack();

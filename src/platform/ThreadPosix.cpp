@@ -30,8 +30,8 @@ StackBounds GetStackBounds() noexcept {
 }
 
 void CallAtThreadExit() noexcept {
-    // A destructor of the language rather than a key of the thread library: it also runs for the main thread, and it keeps
-    // the library loaded as long as a thread has it ahead.
+    // A destructor of the language rather than a key of the thread library: it also runs for the main thread, and it
+    // keeps the library loaded as long as a thread has it ahead.
     struct Closer {
         ~Closer() { ClosePool(); }
     };

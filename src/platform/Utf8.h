@@ -7,8 +7,9 @@
 
 namespace OrvUQL::platform {
 
-/// Calls `take(codePoint)` for each code point of a UTF-8 text, with U+FFFD for each maximal part of a malformed sequence:
-/// the longest beginning of a well-formed one, or a single byte (Unicode 15.0, section 3.9; the WHATWG Encoding standard).
+/// Calls `take(codePoint)` for each code point of a UTF-8 text, with U+FFFD for each maximal part of a malformed
+/// sequence: the longest beginning of a well-formed one, or a single byte (Unicode 15.0, section 3.9; the WHATWG
+/// Encoding standard).
 template <typename Take> void DecodeUtf8(std::string_view bytes, Take take) {
     const auto byteAt = [bytes](std::size_t i) { return static_cast<std::uint8_t>(bytes[i]); };
     std::size_t at = 0;

@@ -1,5 +1,5 @@
-// Trees made by hand, nested deeper than any stack in every way there is: operators inside of operators take none of it,
-// everything else ends in an error where the stack does, and releasing takes none.
+// Trees made by hand, nested deeper than any stack in every way there is: operators inside of operators take none of
+// it, everything else ends in an error where the stack does, and releasing takes none.
 
 #include "eval/Nodes.h"
 #include "support/Host.h"

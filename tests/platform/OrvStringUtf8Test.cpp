@@ -44,8 +44,8 @@ TEST(OrvStringUtf8, WellFormed) {
     }
 }
 
-// Each maximal part of a malformed sequence is one replacement; the rows follow table 3-8 and 3-9 of the Unicode standard
-// (section 3.9) and the decoder of the WHATWG Encoding standard.
+// Each maximal part of a malformed sequence is one replacement; the rows follow table 3-8 and 3-9 of the Unicode
+// standard (section 3.9) and the decoder of the WHATWG Encoding standard.
 TEST(OrvStringUtf8, Malformed) {
     using namespace std::string_literals;
     const std::vector<Utf8Row> rows = {
