@@ -7,10 +7,9 @@
 
 namespace OrvUQL::detail {
 
-/// The nodes from the top of a chain (`a + b + c ...`, `x.f().g()...`) to its bottom. The first few stand in the
-/// frame, the rest in a stack that the engine keeps, so that chains of any length need neither recursion nor, in the
-/// steady state, memory. Chains that are evaluated inside of others put theirs on top and take them off before they
-/// return.
+/// The calls from the top of a chain (`x.f().g()...`) to its bottom. The first few stand in the frame, the rest in a
+/// stack that the engine keeps, so that chains of any length need neither recursion nor, in the steady state, memory.
+/// Chains that are evaluated inside of others put theirs on top and take them off before they return.
 class Spine {
 public:
     explicit Spine(QueryEngine* engine) noexcept

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 #include <vector>
 
@@ -321,6 +322,97 @@ TEST_F(CallSite, EachRemembersForItself) {
         EXPECT_EQ(Over(tree, new ObjectInt(1)), "! Identifier 'Name' is not a method of 'int'");
         EXPECT_EQ(Over(tree, new RecorderWith<NameLess>()), "! Identifier 'Name' is not a method of 'recorder'");
         EXPECT_EQ(Over(tree, new ObjectNull()), "string null");
+    }
+}
+
+// ---- names without arguments, read by an operator: the shortest way there is ----
+
+const MethodMap* ReadFirst() {
+    static const MethodMap table[] = {Recorder::First(L"Name"), MethodMap::End()};
+    return table;
+}
+
+const MethodMap* ReadSecond() {
+    static const MethodMap table[] = {Recorder::Second(L"Name", L"s"), MethodMap::End()};
+    return table;
+}
+
+/// Has a table, and is not asked through it.
+class OwnInvokeAndTable : public RecorderWith<ReadFirst> {
+public:
+    IObject* Invoke(QueryEngine*, const wchar_t*, const QueryElementList&, IError**) override {
+        return new ObjectString(L"own");
+    }
+};
+
+/// Type objects and values of one class.
+class Statue : public RecorderWith<ReadFirst> {
+public:
+    explicit Statue(bool isType) : isTypeObject(isType) {}
+    bool IsStaticInstance() const override { return isTypeObject; }
+
+private:
+    bool isTypeObject;
+};
+
+TEST_F(CallSite, OfAReadServesAllClassesInTurn) {
+    const Ref<IQueryElement> tree = Parse(L"'<' + @name + '>'");
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(Over(tree, new RecorderWith<ReadFirst>()), "string <first name()>");
+        EXPECT_EQ(Over(tree, new RecorderWith<ReadSecond>()), "string <second name(-)>");
+        EXPECT_EQ(Over(tree, new OwnInvokeAndTable()), "string <own>");
+        EXPECT_EQ(Over(tree, new OwnInvoke()), "string <own name/0>");
+        EXPECT_EQ(Over(tree, new Statue(false)), "string <first name()>");
+        EXPECT_EQ(Over(tree, new Statue(true)),
+                  "! Unable to call non-static method 'name' of class 'recorder' without a class instance");
+        EXPECT_EQ(Over(tree, new ObjectString(L"text")), "! Identifier 'name' is not a method of 'string'");
+    }
+}
+
+TEST_F(CallSite, OfAReadTellsTypeObjectsFromValues) {
+    const Ref<IQueryElement> tree = Parse(L"1 + @Length");
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(Over(tree, new ObjectString(L"text")), "int 5");
+        EXPECT_EQ(Over(tree, new ObjectString()),
+                  "! Unable to call non-static method 'Length' of class 'string' without a class instance");
+        EXPECT_EQ(Over(tree, new ObjectInt(1)), "! Identifier 'Length' is not a method of 'int'");
+    }
+}
+
+/// Takes itself out of the engine, or fails for want of memory, in the middle of a read.
+class Fickle : public Recorder {
+public:
+    const MethodMap* GetMethodMap() const override {
+        static const MethodMap table[] = {MethodMap::Method(L"Leave", L"", &Fickle::Method_Leave),
+                                          MethodMap::Method(L"Lack", L"", &Fickle::Method_Lack), MethodMap::End()};
+        return table;
+    }
+
+private:
+    IObject* Method_Leave(QueryEngine* engine, const OrvStringT&, const ObjectList&, IError**) {
+        engine->SetPropertySource(nullptr);
+        return new ObjectInt(number); // still there
+    }
+    IObject* Method_Lack(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) { throw std::bad_alloc(); }
+
+    int number = 7;
+};
+
+TEST_F(CallSite, OfAReadHoldsItsTarget) {
+    const Ref<IQueryElement> tree = Parse(L"@leave + 1");
+    for (int round = 0; round < 3; ++round) {
+        host.engine.SetPropertySource(Make<Fickle>().Get());
+        const Ref<IObject> value(host.engine.Evaluate(tree.Get(), nullptr));
+        EXPECT_EQ(Describe(value.Get()), "int 8");
+        EXPECT_EQ(host.engine.GetPropertySource(), nullptr);
+    }
+}
+
+TEST_F(CallSite, OfAReadReportsTheEndOfMemory) {
+    const Ref<IQueryElement> tree = Parse(L"2 * @lack");
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(Over(tree, new Fickle()), "! Internal error");
+        EXPECT_EQ(host.engine.GetErrorPosition(), 4);
     }
 }
 
