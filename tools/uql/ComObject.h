@@ -28,7 +28,7 @@ public:
     Ref<IObject> Create(const std::string& programId, std::string& error);
 
 private:
-    bool isEntered = false;
+    [[maybe_unused]] bool isEntered = false; // where there is COM
 };
 
 } // namespace OrvUQL::Tool
