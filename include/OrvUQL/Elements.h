@@ -55,7 +55,8 @@ using DirectMethod = Value (*)(IObject* target);
 struct CallSite {
     OrvStringT name; ///< as the call passes it, without "@" or "$"
     CallTarget target = CallTarget::Parent;
-    mutable bool isRead = false;  ///< the row takes no arguments, and there are none
+    // Of the row. Whether a call has arguments is asked every time: a host may pass it on with others than the site's.
+    mutable bool isRead = false;  ///< it takes none
     mutable bool isPlain = false; ///< and the class looks names up in its table: it does not override Invoke()
     mutable const std::type_info* type = nullptr;         ///< the class of the last look-up
     mutable const ObjectBase::MethodMap* entry = nullptr; ///< the row found

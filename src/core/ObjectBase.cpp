@@ -83,7 +83,7 @@ const ObjectBase::MethodMap* ObjectBase::FindMethodEntry(const MethodMap* map, c
 
 IObject* ObjectBase::Invoke(QueryEngine* engine, const wchar_t* name, const QueryElementList& args, IError** err) {
     const detail::CallSite* const site = detail::EngineAccess::TakeCallSite(engine, name);
-    if (site != nullptr && site->isRead && site->type == &typeid(*this) &&
+    if (site != nullptr && site->isRead && args.empty() && site->type == &typeid(*this) &&
         (site->entry->isStatic || !IsStaticInstance())) [[likely]] {
         // Most calls are reads of properties.
         return Guarded(
@@ -110,7 +110,7 @@ IObject* ObjectBase::InvokeNamed(QueryEngine* engine, const detail::CallSite* si
         if (site != nullptr) {
             site->type = type;
             site->entry = entry;
-            site->isRead = *entry->signature == L'\0' && args.empty();
+            site->isRead = *entry->signature == L'\0';
             site->isPlain = site->isRead && IsPlain();
             site->direct = site->isRead ? detail::FindDirectMethod(*type, *entry) : nullptr;
             return CallMethod(engine, *entry, name, site->name, args, err);

@@ -1,5 +1,5 @@
-// Evaluating the children of a node: library elements directly and without objects for scalars, any other by
-// Evaluate().
+// What the elements know of each other: the library's own are evaluated directly and without objects for scalars, any
+// other by Evaluate().
 #pragma once
 
 #include "OrvUQL/Elements.h"
@@ -28,7 +28,7 @@ struct ElementAccess {
     /// The value of a call, which `element` must be.
     static Value CallValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
         const ElementMethod* const call = static_cast<const ElementMethod*>(element);
-        if (call->site.direct != nullptr) {
+        if (call->site.direct != nullptr && call->arguments.empty()) {
             IObject* const target = KnownTarget(call, engine);
             if (target != nullptr && call->site.type == &typeid(*target)) {
                 if (const Value value = call->site.direct(target); !value.Failed()) {

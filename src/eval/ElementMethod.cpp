@@ -99,7 +99,7 @@ Value ElementMethod::EvaluateValue(QueryEngine* engine, IError** err) const {
     }
     target->AddRef();
     const Reference<IObject> held(target);
-    if (!site.isPlain || site.type != &typeid(*target)) {
+    if (!site.isPlain || !arguments.empty() || site.type != &typeid(*target)) {
         return detail::Unbox(Invoke(target, site, arguments, position, engine, err));
     }
     // The reads of a host's properties: what ObjectBase::Invoke() would do for the row that it found before.

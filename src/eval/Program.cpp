@@ -9,6 +9,14 @@
 
 #include <memory>
 
+#if defined(_MSC_VER) && !defined(__clang__)
+#define ORVUQL_ALWAYS_INLINE __forceinline
+#define ORVUQL_UNREACHABLE() __assume(false)
+#else
+#define ORVUQL_ALWAYS_INLINE inline __attribute__((always_inline))
+#define ORVUQL_UNREACHABLE() __builtin_unreachable()
+#endif
+
 namespace OrvUQL::detail {
 
 namespace {
@@ -39,12 +47,6 @@ private:
     std::size_t count = 0;
 };
 
-#if defined(_MSC_VER) && !defined(__clang__)
-#define ORVUQL_UNREACHABLE() __assume(false)
-#else
-#define ORVUQL_UNREACHABLE() __builtin_unreachable()
-#endif
-
 bool NeedsOwner(const Value& value) noexcept {
     return value.kind == ValueKind::Text || value.kind == ValueKind::Object;
 }
@@ -58,12 +60,6 @@ void Dispose(Value value) noexcept {
 Value LiteralText(const Instruction& instruction) noexcept {
     return Value::Text(ElementAccess::LiteralText(instruction.element));
 }
-
-#if defined(__GNUC__)
-#define ORVUQL_ALWAYS_INLINE inline __attribute__((always_inline))
-#else
-#define ORVUQL_ALWAYS_INLINE inline
-#endif
 
 /// Of a value that is none: there is no short way to compute it.
 constexpr ValueKind noShortWay = static_cast<ValueKind>(static_cast<int>(ValueKind::None) + 1);
@@ -209,8 +205,7 @@ template <class Stack>
 ORVUQL_NOINLINE Value RunCode(const Instruction* code, std::size_t depth, QueryEngine* engine, IError** err) {
     Stack stack(depth);
     const Instruction* at = code;
-    // While something else runs, a value that needs an owner waits on the stack; one that does not, stays here.
-    Value accumulator = Value::None();
+    Value accumulator = Value::None(); // without an owner: whoever is handed it disposes of it
     for (;;) {
         Value right = Value::None();
         switch (at->action) {

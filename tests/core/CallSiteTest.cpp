@@ -369,6 +369,38 @@ TEST_F(CallSite, OfAReadServesAllClassesInTurn) {
     }
 }
 
+/// Passes calls on without their arguments.
+class Silencer : public CountedObject {
+public:
+    /// Takes the target over.
+    explicit Silencer(IObject* silencedTarget) : target(silencedTarget) {}
+
+    IObject* Invoke(QueryEngine* engine, const wchar_t* name, const QueryElementList&, IError** err) override {
+        return target->Invoke(engine, name, QueryElementList(), err);
+    }
+
+private:
+    Ref<IObject> target;
+};
+
+// What a call without arguments found is not for one with arguments, though the site be the same.
+TEST_F(CallSite, ChecksArgumentsAlsoAfterACallWithout) {
+    const Ref<IQueryElement> read = Parse(L"'<' + @name(7) + '>'");
+    const Ref<IQueryElement> call = Parse(L"@name(7)");
+    const Ref<IQueryElement> length = Parse(L"1 + @Length(7)");
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(Over(read, new Silencer(new RecorderWith<ReadFirst>())), "string <first name()>");
+        EXPECT_EQ(Over(read, new RecorderWith<ReadFirst>()),
+                  "! Too many parameters specified for method name. It expects only 0");
+        EXPECT_EQ(Over(call, new Silencer(new RecorderWith<ReadFirst>())), "string first name()");
+        EXPECT_EQ(Over(call, new RecorderWith<ReadFirst>()),
+                  "! Too many parameters specified for method name. It expects only 0");
+        EXPECT_EQ(Over(length, new Silencer(new ObjectString(L"text"))), "int 5");
+        EXPECT_EQ(Over(length, new ObjectString(L"text")),
+                  "! Too many parameters specified for method Length. It expects only 0");
+    }
+}
+
 TEST_F(CallSite, OfAReadTellsTypeObjectsFromValues) {
     const Ref<IQueryElement> tree = Parse(L"1 + @Length");
     for (int round = 0; round < 3; ++round) {

@@ -1,4 +1,5 @@
 #include "platform/SwitchedStack.h"
+#include "support/StackUse.h"
 
 #include <gtest/gtest.h>
 
@@ -9,17 +10,11 @@
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which need more address space than that
 
 using namespace OrvUQL::platform;
+using OrvUQL::Tests::Descend;
 
 namespace {
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
-
-/// Uses that much stack, and returns how many frames that were.
-__attribute__((noinline)) int Descend(std::size_t bytes) {
-    volatile char frame[1024];
-    frame[0] = 1;
-    return bytes <= sizeof frame ? frame[0] : Descend(bytes - sizeof frame) + frame[0];
-}
 
 } // namespace
 

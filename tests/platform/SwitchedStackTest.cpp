@@ -2,6 +2,7 @@
 
 #include "platform/Thread.h"
 #include "support/StackThread.h"
+#include "support/StackUse.h"
 
 #include <gtest/gtest.h>
 
@@ -10,17 +11,11 @@
 #include <string>
 
 using namespace OrvUQL::platform;
+using OrvUQL::Tests::Descend;
 
 namespace {
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
-
-/// Uses that much stack, and returns how many frames that were.
-__attribute__((noinline)) int Descend(std::size_t bytes) {
-    volatile char frame[1024];
-    frame[0] = 1;
-    return bytes <= sizeof frame ? frame[0] : Descend(bytes - sizeof frame) + frame[0];
-}
 
 /// Recurses while HasStack allows it.
 __attribute__((noinline)) int DescendWhileThereIsStack() {

@@ -1,4 +1,5 @@
 #include "platform/Thread.h"
+#include "support/StackUse.h"
 
 #include <gtest/gtest.h>
 
@@ -15,6 +16,7 @@
 #include <vector>
 
 using namespace OrvUQL::platform;
+using OrvUQL::Tests::UseStackDownTo;
 
 // Stacks of every kind: small and great ones, one without a limit, and switched ones.
 
@@ -33,18 +35,6 @@ void RunWithStack(std::size_t size, std::function<void()> run) {
     ASSERT_EQ(pthread_create(&thread, &attributes, start, &run), 0);
     pthread_join(thread, nullptr);
     pthread_attr_destroy(&attributes);
-}
-
-/// Touches the stack down to an address, with a margin for the size of its own frame.
-__attribute__((noinline)) void UseStackDownTo(std::uintptr_t lowest) {
-    volatile char block[512];
-    for (std::size_t i = 0; i < sizeof block; i += 64) {
-        block[i] = 1;
-    }
-    if (ORVUQL_FRAME_ADDRESS() > lowest + 4096) {
-        UseStackDownTo(lowest);
-    }
-    block[0] = 2;
 }
 
 /// Recurses until the stack runs short, uses part of the reserve there, and returns how deep it came.

@@ -1,6 +1,7 @@
 #include "platform/Pool.h"
 #include "platform/Thread.h"
 #include "support/StackThread.h"
+#include "support/StackUse.h"
 
 #include <gtest/gtest.h>
 
@@ -10,24 +11,13 @@
 
 using namespace OrvUQL::platform;
 using OrvUQL::Tests::RunOnThread;
+using OrvUQL::Tests::UseStackDownTo;
 
 // What a thread keeps on this system, and its stack: small and great ones, and fibers'.
 //
 // The size that a fiber is made with is the least it gets: Wine makes no stack smaller than a mebibyte.
 
 namespace {
-
-/// Touches the stack down to an address, with a margin for the size of its own frame.
-__attribute__((noinline)) void UseStackDownTo(std::uintptr_t lowest) {
-    volatile char block[512];
-    for (std::size_t i = 0; i < sizeof block; i += 64) {
-        block[i] = 1;
-    }
-    if (ORVUQL_FRAME_ADDRESS() > lowest + 4096) {
-        UseStackDownTo(lowest);
-    }
-    block[0] = 2;
-}
 
 /// Recurses until the stack runs short, uses all of the reserve there but a little, and returns how deep it came.
 __attribute__((noinline)) std::uintptr_t Descend(std::uintptr_t top, std::size_t leaf) {
