@@ -1,6 +1,6 @@
 #include "MuparserxEngine.h"
 
-#include "HeapUse.h"
+#include "Meters.h"
 #include "Program.h"
 
 #include <mpParser.h>
@@ -90,7 +90,7 @@ Answer MuparserxEngine::GetAnswer(std::size_t record) {
 
 void MuparserxEngine::Parse() { throw std::runtime_error("parses when it is first evaluated"); }
 
-std::size_t MuparserxEngine::Allocations() { return CallsOfNew(); }
+std::optional<std::size_t> MuparserxEngine::Allocations() { return CallsOfNew(); }
 
 } // namespace OrvUQL::bench
 

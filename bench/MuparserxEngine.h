@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,7 @@ public:
     [[noreturn]] void Parse();
     [[noreturn]] void Keep() { Parse(); }
     void Settle() {}
-    static std::size_t Allocations();
+    static std::optional<std::size_t> Allocations();
 
 private:
     struct State;

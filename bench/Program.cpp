@@ -1,5 +1,8 @@
 #include "Program.h"
 
+#include "Costs.h"
+#include "MadeWith.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -16,22 +19,26 @@ constexpr const char* usage = //
     "usage: PROGRAM --row NAME [--count N]   measure one row: N times, or for a tenth of a second\n"
     "       PROGRAM --check                  only compare the answers\n"
     "       PROGRAM --list                   the rows: name, kind, case, goal, the goal's engine, query\n"
+    "       PROGRAM --costs                  the costs: row without few and many, kind, parts more, asks, part, what\n"
     "       PROGRAM --version                the engine's version\n"
+    "       PROGRAM --made-with              what instruction counts depend on: compiler, libraries, flags\n"
     "       PROGRAM --serve                  measure as standard input says: lines of a row's name and seconds\n";
 
 /// Long against the clock's resolution and what its reading costs, short against the clock's interrupts.
 constexpr double sliceSeconds = 0.002;
 
-double ProcessorSeconds() {
-    timespec time{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
-
 int Check(const EngineFunctions& engine) {
     int right = 0;
     int wrong = 0;
+    std::vector<const Case*> tests;
     for (const Case& test : Cases()) {
+        tests.push_back(&test);
+    }
+    for (const Row& row : CostRows()) {
+        tests.push_back(row.test);
+    }
+    for (const Case* const measured : tests) {
+        const Case& test = *measured;
         if (!engine.canSay(test)) {
             continue;
         }
@@ -62,6 +69,16 @@ int ListRows() {
     return 0;
 }
 
+int ListCosts() {
+    int number = 0;
+    for (const Cost& cost : Costs()) {
+        std::printf("cost/%d\t%s\t%d\t%d\t%s\t%s\n", number, NameOf(cost.kind), cost.more, cost.asksRecord ? 1 : 0,
+                    cost.part.c_str(), cost.what.c_str());
+        ++number;
+    }
+    return 0;
+}
+
 int MeasureOne(const EngineFunctions& engine, const char* name, std::size_t count) {
     const Row* const row = FindRow(name);
     if (row == nullptr) {
@@ -73,13 +90,19 @@ int MeasureOne(const EngineFunctions& engine, const char* name, std::size_t coun
         return 1;
     }
     const Figure figure = engine.measure(*row, {count, 0.1});
-    std::printf("%s: %.1f %s, %.2f allocations, %zu times\n", name, figure.value,
-                row->kind == Kind::Memory ? "bytes" : "ns", figure.allocations, figure.count);
+    std::printf("%s: %.1f %s", name, figure.value, row->kind == Kind::Memory ? "bytes" : "ns");
+    if (figure.allocations) {
+        std::printf(", %.2f allocations", *figure.allocations);
+    }
+    if (figure.heapBytes) {
+        std::printf(", %.1f bytes of the heap", *figure.heapBytes);
+    }
+    std::printf(", %zu times\n", figure.count);
     return 0;
 }
 
-/// One line of answer for each line of question: the figure and the allocations, "-" if the engine cannot say it, or
-/// "!" and what is wrong.
+/// One line of answer for each line of question: the figure and the allocations ("?" if nobody counts them), "-" if
+/// the engine cannot say it, or "!" and what is wrong.
 int Serve(const EngineFunctions& engine) {
     std::string name;
     double seconds = 0;
@@ -90,7 +113,11 @@ int Serve(const EngineFunctions& engine) {
         } else {
             try {
                 const Figure figure = engine.measure(*row, {0, seconds});
-                std::printf("%.2f %.2f\n", figure.value, figure.allocations);
+                if (figure.allocations) {
+                    std::printf("%.2f %.2f\n", figure.value, *figure.allocations);
+                } else {
+                    std::printf("%.2f ?\n", figure.value);
+                }
             } catch (const std::exception& error) {
                 std::printf("! %s\n", error.what());
             }
@@ -105,10 +132,10 @@ int Serve(const EngineFunctions& engine) {
 Figure MeasureTime(const Effort& effort, const std::function<void(std::size_t)>& callTimes) {
     Figure figure;
     const auto slice = [&](std::size_t times) {
-        const double start = ProcessorSeconds();
+        const double start = Seconds();
         callTimes(times);
         figure.count += times;
-        return ProcessorSeconds() - start;
+        return Seconds() - start;
     };
     if (effort.count != 0) {
         figure.value = slice(effort.count) * 1e9 / static_cast<double>(effort.count);
@@ -144,6 +171,13 @@ int RunCommandLine(int argc, char** argv, const EngineFunctions& engine) {
         }
         if (argc == 2 && is(1, "--version")) {
             std::printf("%s\n", engine.version.c_str());
+            return 0;
+        }
+        if (argc == 2 && is(1, "--costs")) {
+            return ListCosts();
+        }
+        if (argc == 2 && is(1, "--made-with")) {
+            std::printf("%s", MadeWith().c_str());
             return 0;
         }
         if (argc == 2 && is(1, "--serve")) {

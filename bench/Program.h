@@ -4,13 +4,12 @@
 #pragma once
 
 #include "Cases.h"
-#include "HeapUse.h"
+#include "Meters.h"
 #include "Rows.h"
 
 #include <cstddef>
-#include <ctime>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -23,9 +22,10 @@ struct Effort {
 };
 
 struct Figure {
-    double value = 0;       ///< nanoseconds, or bytes
-    double allocations = 0; ///< of the heap, for one evaluation or parse
-    std::size_t count = 0;  ///< evaluations or parses in all
+    double value = 0;                  ///< nanoseconds, or bytes
+    std::optional<double> allocations; ///< of the heap, for one evaluation or parse
+    std::optional<double> heapBytes;   ///< that a kept query adds to the heap
+    std::size_t count = 0;             ///< evaluations or parses in all
 };
 
 /// What the program's command line and its dialogue need to know of the engine.
@@ -39,9 +39,17 @@ struct EngineFunctions {
 /// The command line; see Program.cpp. The result is the exit status.
 int RunCommandLine(int argc, char** argv, const EngineFunctions& engine);
 
-/// The smallest time of a call, of several slices that are each long enough for the clock. The processor's time of
-/// this program counts: what others do on the machine is not in it.
+/// The smallest time of a call, of several slices that are each long enough for the clock.
 Figure MeasureTime(const Effort& effort, const std::function<void(std::size_t)>& callTimes);
+
+/// What a meter grew by from one reading to the other, for each of `count` times.
+inline std::optional<double> Growth(std::optional<std::size_t> before, std::optional<std::size_t> after,
+                                    std::size_t count) {
+    if (!before || !after) {
+        return std::nullopt;
+    }
+    return (static_cast<double>(*after) - static_cast<double>(*before)) / static_cast<double>(count);
+}
 
 template <class Engine> std::string FindFault(Engine& engine, const Case& test) {
     for (std::size_t record = 0; record < test.records.size(); ++record) {
@@ -55,13 +63,13 @@ template <class Engine> std::string FindFault(Engine& engine, const Case& test) 
 
 template <class Engine> Figure MeasureEvaluation(Engine& engine, const Case& test, const Effort& effort) {
     double sum = 0;
-    std::size_t before = engine.Allocations();
+    const std::optional<std::size_t> before = engine.Allocations();
     Figure figure = MeasureTime(effort, [&](std::size_t times) {
         for (; times != 0; --times) {
             sum += engine.Evaluate();
         }
     });
-    figure.allocations = static_cast<double>(engine.Allocations() - before) / static_cast<double>(figure.count);
+    figure.allocations = Growth(before, engine.Allocations(), figure.count);
     if (sum != sum) {
         throw std::runtime_error("an evaluation failed: " + test.name);
     }
@@ -69,13 +77,13 @@ template <class Engine> Figure MeasureEvaluation(Engine& engine, const Case& tes
 }
 
 template <class Engine> Figure MeasureParsing(Engine& engine, const Effort& effort) {
-    const std::size_t before = engine.Allocations();
+    const std::optional<std::size_t> before = engine.Allocations();
     Figure figure = MeasureTime(effort, [&](std::size_t times) {
         for (; times != 0; --times) {
             engine.Parse();
         }
     });
-    figure.allocations = static_cast<double>(engine.Allocations() - before) / static_cast<double>(figure.count);
+    figure.allocations = Growth(before, engine.Allocations(), figure.count);
     return figure;
 }
 
@@ -85,13 +93,18 @@ template <class Engine> Figure MeasureMemory(Engine& engine, const Case& test, c
     const std::size_t copies = effort.count != 0 ? effort.count : test.query.size() < 1900 ? 10000 : 1000;
     engine.Keep(); // what is set up with the first one is not the query's
     engine.Settle();
-    const std::size_t before = ResidentBytes().value_or(0);
+    const std::optional<std::size_t> before = ResidentBytes();
+    const std::optional<std::size_t> heapBefore = HeapBytes();
     for (std::size_t copy = 0; copy < copies; ++copy) {
         engine.Keep();
     }
     engine.Settle();
-    const std::size_t after = ResidentBytes().value_or(0);
-    return {(static_cast<double>(after) - static_cast<double>(before)) / static_cast<double>(copies), 0, copies};
+    const std::optional<double> heapBytes = Growth(heapBefore, HeapBytes(), copies);
+    const std::optional<double> bytes = Growth(before, ResidentBytes(), copies);
+    if (!bytes) {
+        throw std::runtime_error("the system does not tell what memory a program takes");
+    }
+    return {*bytes, std::nullopt, heapBytes, copies};
 }
 
 template <class Engine> int RunProgram(int argc, char** argv) {

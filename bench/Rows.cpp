@@ -1,5 +1,7 @@
 #include "Rows.h"
 
+#include "Costs.h"
+
 namespace OrvUQL::bench {
 
 namespace {
@@ -42,9 +44,11 @@ const std::vector<Row>& Rows() {
 }
 
 const Row* FindRow(const std::string& name) {
-    for (const Row& row : Rows()) {
-        if (row.name == name) {
-            return &row;
+    for (const std::vector<Row>* const rows : {&Rows(), &CostRows()}) {
+        for (const Row& row : *rows) {
+            if (row.name == name) {
+                return &row;
+            }
         }
     }
     return nullptr;

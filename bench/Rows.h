@@ -25,7 +25,7 @@ struct Row {
 /// The rows with goals, in the order of the table, and then every case as all three kinds.
 const std::vector<Row>& Rows();
 
-/// The row of that name, or null.
+/// The row of that name, also one of the costs, or null.
 const Row* FindRow(const std::string& name);
 
 const char* NameOf(Kind kind);

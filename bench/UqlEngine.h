@@ -4,7 +4,7 @@
 #include <OrvUQL/OrvUQL.h>
 
 #include "Cases.h"
-#include "HeapUse.h"
+#include "Meters.h"
 
 #include <cstddef>
 #include <limits>
@@ -42,8 +42,8 @@ public:
     /// Brings the heap to rest before it is measured: nothing to do, memory is given back at once.
     void Settle() {}
 
-    /// Heap allocations so far.
-    static std::size_t Allocations() { return CallsOfNew(); }
+    /// Heap allocations so far; nothing if they cannot be counted.
+    static std::optional<std::size_t> Allocations() { return CallsOfNew(); }
 
 private:
     enum class Reading { Number, Truth, Text };

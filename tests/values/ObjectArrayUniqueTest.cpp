@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <string>
 #include <utility>
@@ -20,6 +21,14 @@ namespace {
 
 class Unique : public KeptReferences {
 protected:
+    /// What Unique keeps of an array of watched items. The array's references are taken over.
+    std::vector<IObject*> Kept(ObjectList items) {
+        SetItems(std::move(items));
+        const Ref<IObject> result = Evaluate(L"@Unique");
+        EXPECT_TRUE(result);
+        return result ? std::vector<IObject*>(Items(result).begin(), Items(result).end()) : std::vector<IObject*>();
+    }
+
     /// The positions (from 0) of the items of an array that Unique keeps, as text: "0 2 3". The array's references are
     /// taken over; each item must be a watched one, or null.
     std::string KeptOf(ObjectList items) {
@@ -240,18 +249,45 @@ TEST_F(Unique, ComparesUnitsStrictly) {
     EXPECT_EQ(KeptOf(std::move(items)), "0 2 3 4");
 }
 
-TEST_F(Unique, IsTheRuleForManyValues) {
-    // Values of all kinds in an order without order, beside the rule applied the slow way.
-    ObjectList items;
-    unsigned seed = 12345;
-    const auto draw = [&seed](unsigned limit) {
+/// What the rule keeps of an array, applied the slow way.
+std::vector<IObject*> KeptByTheRule(const QueryEngine& engine, const std::vector<IObject*>& items) {
+    std::vector<IObject*> kept;
+    for (IObject* const candidate : items) {
+        bool isKnown = false;
+        for (std::size_t position = 0; position < kept.size() && !isKnown; ++position) {
+            IObject* const other = kept[position];
+            isKnown = other == nullptr && candidate == nullptr;
+            if (other != nullptr && candidate != nullptr && other->GetTypeName() == candidate->GetTypeName()) {
+                isKnown = engine.CompareObjects(OperStrictEqual, other, candidate, isKnown, nullptr) && isKnown;
+            }
+        }
+        if (!isKnown) {
+            kept.push_back(candidate);
+        }
+    }
+    return kept;
+}
+
+/// Numbers in an order without order, the same in each run.
+class Numbers {
+public:
+    explicit Numbers(unsigned first) : seed(first) {}
+    int Below(unsigned limit) {
         seed = seed * 1664525u + 1013904223u;
         return static_cast<int>((seed >> 16) % limit);
-    };
+    }
+
+private:
+    unsigned seed;
+};
+
+TEST_F(Unique, IsTheRuleForManyValues) {
+    ObjectList items;
+    Numbers numbers(12345);
     for (int count = 0; count < 400; ++count) {
-        const int value = draw(12);
+        const int value = numbers.Below(12);
         const std::wstring digits = std::to_wstring(value);
-        switch (draw(9)) {
+        switch (numbers.Below(9)) {
         case 0:
             items.push_back(WatchInt(value));
             break;
@@ -281,26 +317,120 @@ TEST_F(Unique, IsTheRuleForManyValues) {
             break;
         }
     }
-    std::string expected;
-    std::vector<IObject*> kept;
-    for (std::size_t position = 0; position < items.size(); ++position) {
-        IObject* const candidate = items[position];
-        bool isKnown = false;
-        for (IObject* const other : kept) {
-            bool isEqual = other == nullptr && candidate == nullptr;
-            if (other != nullptr && candidate != nullptr && other->GetTypeName() == candidate->GetTypeName()) {
-                isEqual = host.engine.CompareObjects(OperStrictEqual, other, candidate, isEqual, nullptr) && isEqual;
-            }
-            isKnown = isKnown || isEqual;
-        }
-        if (!isKnown) {
-            kept.push_back(candidate);
-            expected += (expected.empty() ? "" : " ") + std::to_string(position);
-        }
-    }
+    const std::vector<IObject*> kept = KeptByTheRule(host.engine, {items.begin(), items.end()});
     ASSERT_GT(kept.size(), 40u);
     ASSERT_LT(kept.size(), 200u);
-    EXPECT_EQ(KeptOf(std::move(items)), expected);
+    EXPECT_EQ(Kept(std::move(items)), kept);
+}
+
+// So many that what finds repetitions has grown several times.
+TEST_F(Unique, IsTheRuleForScalarsOfAllSizes) {
+    ObjectList items;
+    Numbers numbers(54321);
+    for (int count = 0; count < 1500; ++count) {
+        const int small = numbers.Below(1000);
+        switch (numbers.Below(5)) {
+        case 0: // multiples of powers of two, of either sign
+            items.push_back(WatchInt((small - 500) * (1 << numbers.Below(20))));
+            break;
+        case 1:
+            items.push_back(WatchDouble(std::ldexp(small - 500, numbers.Below(200) - 100)));
+            break;
+        case 2:
+            items.push_back(WatchDouble(numbers.Below(4) == 0 ? -0.0 : small));
+            break;
+        case 3:
+            items.push_back(WatchText(std::to_wstring(small).c_str()));
+            break;
+        default: // nearly alike, or alike
+            items.push_back(
+                WatchText((std::wstring(small % 40, L'x') + static_cast<wchar_t>(L'a' + small % 3)).c_str()));
+            break;
+        }
+    }
+    const std::vector<IObject*> kept = KeptByTheRule(host.engine, {items.begin(), items.end()});
+    ASSERT_GT(kept.size(), 700u);
+    ASSERT_LT(kept.size(), 1450u);
+    EXPECT_EQ(Kept(std::move(items)), kept);
+}
+
+/// A host's value that writes down what it is asked, for its comparisons in which order.
+class Asked : public CountedObject {
+public:
+    Asked(std::vector<std::string>& askedLog, std::string askedLabel, const wchar_t* askedName, EType askedType,
+          const wchar_t* askedText)
+        : CountedObject({}, {}, askedType),
+          log(askedLog),
+          label(std::move(askedLabel)),
+          name(askedName),
+          text(askedText) {}
+
+    OrvStringT GetTypeName() const override {
+        ++typeNames;
+        return name;
+    }
+    OrvStringT ToString() const override {
+        log.push_back(label + " as text");
+        return text;
+    }
+    bool CompareTo(EOperType, IObject* other, bool, bool& result, IError**) const override {
+        const Asked* const asked = dynamic_cast<const Asked*>(other);
+        log.push_back(label + " with " + (asked != nullptr ? asked->label : "a value of the library"));
+        result = asked != nullptr && asked->text == text;
+        return true;
+    }
+
+    static inline int typeNames = 0;
+
+private:
+    std::vector<std::string>& log;
+    std::string label;
+    OrvStringT name;
+    OrvStringT text;
+};
+
+// A host may count on being asked: also for a value of the library that is known already.
+TEST_F(Unique, AsksValuesOfAHostAsTheRuleDoes) {
+    std::vector<std::string> log;
+    ObjectList items;
+    Numbers numbers(2026);
+    for (int count = 0; count < 300; ++count) {
+        const int value = numbers.Below(8);
+        const std::wstring digits = std::to_wstring(value);
+        const std::string label = std::to_string(count);
+        switch (numbers.Below(7)) {
+        case 0:
+            items.push_back(WatchInt(value));
+            break;
+        case 1:
+            items.push_back(WatchText(digits.c_str()));
+            break;
+        case 2:
+            items.push_back(nullptr);
+            break;
+        case 3:
+            items.push_back(Watch(new ObjectArray(ObjectList())));
+            break;
+        case 4:
+            items.push_back(Watch(new Asked(log, label, L"part", IObject::TypeGlobal, digits.c_str())));
+            break;
+        case 5:
+            items.push_back(Watch(new Asked(log, label, L"int", IObject::TypeInt, digits.c_str())));
+            break;
+        default:
+            items.push_back(Watch(new Asked(log, label, L"string", IObject::TypeString, digits.c_str())));
+            break;
+        }
+    }
+    Asked::typeNames = 0;
+    const std::vector<IObject*> kept = KeptByTheRule(host.engine, {items.begin(), items.end()});
+    const std::vector<std::string> expected = std::exchange(log, {});
+    const int expectedTypeNames = std::exchange(Asked::typeNames, 0);
+    ASSERT_GT(expected.size(), 200u);
+
+    EXPECT_EQ(Kept(std::move(items)), kept);
+    EXPECT_EQ(log, expected);
+    EXPECT_EQ(Asked::typeNames, expectedTypeNames);
 }
 
 } // namespace

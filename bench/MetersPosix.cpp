@@ -1,12 +1,11 @@
-#include "HeapUse.h"
+#include "Meters.h"
 
-#include <cstdlib>
-#include <new>
-
-#if defined(__linux__)
 #include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <new>
 #include <unistd.h>
-#endif
+
 #if defined(__GLIBC__)
 #include <malloc.h>
 #endif
@@ -31,7 +30,13 @@ void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace OrvUQL::bench {
 
-std::size_t CallsOfNew() { return callsOfNew; }
+double Seconds() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+std::optional<std::size_t> CallsOfNew() { return callsOfNew; }
 
 std::optional<std::size_t> ResidentBytes() {
     std::optional<std::size_t> bytes;
@@ -49,6 +54,15 @@ std::optional<std::size_t> ResidentBytes() {
     }
 #endif
     return bytes;
+}
+
+std::optional<std::size_t> HeapBytes() {
+#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 33)
+    const struct mallinfo2 use = mallinfo2();
+    return use.uordblks + use.hblkhd;
+#else
+    return std::nullopt;
+#endif
 }
 
 } // namespace OrvUQL::bench
