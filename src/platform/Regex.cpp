@@ -4,6 +4,7 @@
 #include "platform/RegexProgram.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace OrvUQL::platform {
@@ -81,6 +82,9 @@ bool RegexMatcher::Search(std::size_t start, std::regex_constants::match_flag_ty
 
 bool RegexMatcher::Run(std::size_t start, std::regex_constants::match_flag_type flags, bool wholeText) {
     const RegexProgram& program = expression.Program();
+    if (const RegexSequence* const sequence = program.Sequence()) {
+        return RunSequence(*sequence, start, flags, wholeText);
+    }
     guard.steps -= std::min(guard.steps, program.StartPrice());
     if (!stack.IsOpen()) {
         const std::uintptr_t here = RegexGuard::StackPointer();
@@ -106,6 +110,21 @@ bool RegexMatcher::Run(std::size_t start, std::regex_constants::match_flag_type 
     stack.Run(
         [&] { found = RunOnce(stack.GetLow() + stackReserve + program.FrameReserve(), start, flags, wholeText); });
     return found;
+}
+
+bool RegexMatcher::RunSequence(const RegexSequence& sequence, std::size_t start,
+                               std::regex_constants::match_flag_type flags, bool wholeText) {
+    RegexSequence::Search search = {text, start};
+    search.isContinuous = (flags & std::regex_constants::match_continuous) != 0;
+    search.isNotEmpty = (flags & std::regex_constants::match_not_null) != 0;
+    search.isWhole = wholeText;
+    search.steps = guard.steps;
+    const std::optional<RegexSequence::Match> match = sequence.Find(search);
+    guard.steps = search.steps;
+    if (match) {
+        groups.assign(1, {match->start, match->end - match->start, true});
+    }
+    return match.has_value();
 }
 
 bool RegexMatcher::RunOnce(std::uintptr_t limit, std::size_t start, std::regex_constants::match_flag_type flags,

@@ -16,6 +16,7 @@
 namespace OrvUQL::platform {
 
 class RegexProgram;
+class RegexSequence;
 
 /// A compiled expression. Copies share it; it belongs to one thread.
 class Regex {
@@ -90,6 +91,8 @@ private:
 
     bool Search(std::size_t start, std::regex_constants::match_flag_type flags);
     bool Run(std::size_t start, std::regex_constants::match_flag_type flags, bool wholeText);
+    bool RunSequence(const RegexSequence& sequence, std::size_t start, std::regex_constants::match_flag_type flags,
+                     bool wholeText);
     bool RunOnce(std::uintptr_t limit, std::size_t start, std::regex_constants::match_flag_type flags, bool wholeText);
 };
 

@@ -4,7 +4,9 @@
 #include "platform/SwitchedStack.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace OrvUQL::platform {
 
@@ -33,6 +35,21 @@ private:
     std::basic_regex<wchar_t, RegexTraits<fold>> expression;
 };
 
+class SequenceProgram final : public RegexProgram {
+public:
+    SequenceProgram(const RegexSyntax& syntax, RegexSequence read) : RegexProgram(syntax), sequence(std::move(read)) {}
+
+    const RegexSequence* Sequence() const noexcept override { return &sequence; }
+
+    bool Execute(const RegexIterator&, const RegexIterator&, std::match_results<RegexIterator>&,
+                 std::regex_constants::match_flag_type, bool) const override {
+        return false;
+    }
+
+private:
+    RegexSequence sequence;
+};
+
 const RegexProgram* CompileHere(const RegexSyntax& syntax, RegexOptions options) {
     using namespace std::regex_constants;
     const syntax_option_type common = options.withoutGroups ? ECMAScript | nosubs : ECMAScript;
@@ -56,6 +73,9 @@ RegexProgram::~RegexProgram() = default;
 
 const RegexProgram* RegexProgram::Compile(std::wstring_view pattern, RegexOptions options) {
     const RegexSyntax syntax = ReadRegexSyntax(pattern, options);
+    if (std::optional<RegexSequence> sequence = RegexSequence::Read(pattern, options)) {
+        return new SequenceProgram(syntax, std::move(*sequence));
+    }
     const std::size_t needed = syntax.terms * stackPerTerm + syntax.nesting * stackPerNesting;
     if (RegexGuard::StackPointer() > GetUsableStackLow() + needed) {
         return CompileHere(syntax, options);

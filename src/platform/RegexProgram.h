@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/RegexGuard.h"
+#include "platform/RegexSequence.h"
 #include "platform/RegexSyntax.h"
 
 #include <cstddef>
@@ -9,8 +10,8 @@
 
 namespace OrvUQL::platform {
 
-/// An expression as the standard library compiled it, and what matching it costs. Counts its references; starts with
-/// one.
+/// An expression as the standard library compiled it, and what matching it costs, or one that needs no more than a
+/// RegexSequence. Counts its references; starts with one.
 class RegexProgram {
 public:
     /// Compiles a pattern, on a stack of its own if that takes more than is left. Throws std::regex_error.
@@ -22,6 +23,9 @@ public:
             delete this;
         }
     }
+
+    /// What matches the expression in place of Execute(), or null.
+    virtual const RegexSequence* Sequence() const noexcept { return nullptr; }
 
     /// Matches the whole range or searches it. On a stack with room for FrameReserve() below the guard's limit.
     virtual bool Execute(const RegexIterator& first, const RegexIterator& last,
