@@ -1,6 +1,7 @@
 #include "OrvUQL/Elements.h"
 #include "OrvUQL/QueryEngine.h"
 
+#include "core/KnownNames.h"
 #include "eval/ElementAccess.h"
 #include "eval/Spine.h"
 
@@ -30,7 +31,7 @@ detail::CallTarget TargetOf(const OrvStringT& name, const IQueryElement* parent,
 /// The name as the call passes it. With a parent it goes there as written, whatever it begins with.
 OrvStringT CallName(const OrvStringT& name, detail::CallTarget target) {
     const bool hasPrefix = target == detail::CallTarget::PropertySource || target == detail::CallTarget::Variable;
-    return hasPrefix ? name.Mid(1) : name;
+    return hasPrefix ? detail::NameText(name.View().substr(1)) : name;
 }
 
 /// Invokes the site's name on an object that the caller holds.

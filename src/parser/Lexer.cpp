@@ -41,6 +41,9 @@ void SkipSpaces(ParseCursor& cursor) noexcept {
 std::wstring_view ReadNumberView(ParseCursor& cursor) noexcept {
     const wchar_t* const begin = cursor.text + cursor.position;
     const wchar_t* end = begin;
+    while (IsDigit(*end)) { // which is all of most numbers
+        ++end;
+    }
     bool hex = false;
     bool dot = false;
     bool exponent = false;

@@ -2,6 +2,7 @@
 
 #include "OrvUQL/Operators.h"
 
+#include "core/KnownNames.h"
 #include "platform/TextUnits.h"
 #include "platform/Thread.h"
 
@@ -22,6 +23,7 @@ constexpr std::uint32_t comparisonOperators = TokenLess | TokenGreater | TokenEq
 constexpr std::uint32_t sumStop = comparisonStop | comparisonOperators;
 constexpr std::uint32_t sumOperators = TokenPlus | TokenMinus;
 constexpr std::uint32_t termStop = sumStop | sumOperators;
+constexpr std::uint32_t negations = TokenNot | TokenBang | TokenNotEqual;
 
 /// An operator's text as written; the common ones without a copy.
 OrvStringT OperatorText(std::wstring_view text) {
@@ -57,16 +59,23 @@ OrvStringT OperatorText(std::wstring_view text) {
             break;
         }
     }
-    if (text == L"and"sv) {
-        return ORV_TEXT(L"and");
+    if (text.size() == 2) {
+        switch (text[0]) {
+        case L'<':
+            return text[1] == L'='   ? OrvStringT(ORV_TEXT(L"<="))
+                   : text[1] == L'>' ? OrvStringT(ORV_TEXT(L"<>"))
+                                     : OrvStringT(text);
+        case L'>':
+            return text[1] == L'=' ? OrvStringT(ORV_TEXT(L">=")) : OrvStringT(text);
+        case L'=':
+            return text[1] == L'=' ? OrvStringT(ORV_TEXT(L"==")) : OrvStringT(text);
+        case L'!':
+            return text[1] == L'=' ? OrvStringT(ORV_TEXT(L"!=")) : OrvStringT(text);
+        default:
+            break;
+        }
     }
-    if (text == L"or"sv) {
-        return ORV_TEXT(L"or");
-    }
-    if (text == L"not"sv) {
-        return ORV_TEXT(L"not");
-    }
-    return OrvStringT(text);
+    return detail::NameText(text); // "and", "or", "not"
 }
 
 // The makers take the operands over only when the node is there.
@@ -94,12 +103,14 @@ Parser::Element MakeTernary(Parser::Element& condition, Parser::Element& first, 
 
 } // namespace
 
-// From the loosest to the tightest. A chain ends where a looser level may go on.
-const Parser::Level Parser::logicLevel = {&Parser::ParseComparison, logicOperators, conditionStop};
-const Parser::Level Parser::comparisonLevel = {&Parser::ParseSum, comparisonOperators, comparisonStop};
-const Parser::Level Parser::sumLevel = {&Parser::ParseSigned, sumOperators, sumStop};
-const Parser::Level Parser::termLevel = {&Parser::ParsePower, TokenMultiply, termStop};
-const Parser::Level Parser::powerLevel = {&Parser::ParsePrimary, TokenPower, termStop | TokenMultiply};
+// A chain ends where a looser level may go on.
+const Parser::Level Parser::levels[] = {
+    {&Parser::ParsePrimary, TokenPower, termStop | TokenMultiply},
+    {&Parser::ParsePower, TokenMultiply, termStop},
+    {&Parser::ParseSigned, sumOperators, sumStop},
+    {&Parser::ParseSum, comparisonOperators, comparisonStop},
+    {&Parser::ParseComparison, logicOperators, conditionStop},
+};
 
 Parser::Parser(QueryEngine* owner, const wchar_t* text, IError** errorSlot) noexcept
     : engine(owner), err(errorSlot), cursor{0, text}, token{TokenEnd, {}} {}
@@ -129,7 +140,7 @@ Parser::Element Parser::ParseCondition() {
     if (!platform::HasStack()) {
         return Report(message::internalError);
     }
-    Element condition = ParseChain(logicLevel);
+    Element condition = ParseChain(LogicLevel);
     return condition && Is(TokenQuestion) ? ParseDecisions(std::move(condition)) : std::move(condition);
 }
 
@@ -154,7 +165,7 @@ Parser::Element Parser::ParseDecisions(Element condition) {
         }
         Advance();
         decisions.push_back({std::move(last), std::move(first), position});
-        last = ParseChain(logicLevel);
+        last = ParseChain(LogicLevel);
     }
     for (; last && !decisions.empty(); decisions.pop_back()) {
         Decision& decision = decisions.back();
@@ -163,10 +174,23 @@ Parser::Element Parser::ParseDecisions(Element condition) {
     return last;
 }
 
-Parser::Element Parser::ParseChain(const Level& level) {
-    Element left = (this->*level.parseOperand)();
-    // Most levels of most queries end here, on a small frame.
-    return left && !Is(level.stop) ? ParseChainRest(std::move(left), level) : std::move(left);
+Parser::Element Parser::ParseChain(LevelNumber level) {
+    const Level* at = &levels[level];
+    Element left;
+    if (Is(negations | sumOperators)) { // or what is no operand at all
+        left = (this->*at->parseOperand)();
+    } else {
+        left = ParsePrimary();
+        at = levels;
+    }
+    for (;; ++at) {
+        if (left && !Is(at->stop)) {
+            left = ParseChainRest(std::move(left), *at);
+        }
+        if (at == &levels[level]) {
+            return left;
+        }
+    }
 }
 
 Parser::Element Parser::ParseChainRest(Element left, const Level& level) {
@@ -186,7 +210,7 @@ Parser::Element Parser::ParseChainRest(Element left, const Level& level) {
 }
 
 /// An operator in front is of the whole chain behind it.
-Parser::Element Parser::ParsePrefixed(std::uint32_t prefixes, const Level& level) {
+Parser::Element Parser::ParsePrefixed(std::uint32_t prefixes, LevelNumber level) {
     if (!Is(prefixes)) {
         return ParseChain(level);
     }
@@ -198,16 +222,14 @@ Parser::Element Parser::ParsePrefixed(std::uint32_t prefixes, const Level& level
 }
 
 /// `not a = b` is `not (a = b)`.
-Parser::Element Parser::ParseComparison() {
-    return ParsePrefixed(TokenNot | TokenBang | TokenNotEqual, comparisonLevel);
-}
+Parser::Element Parser::ParseComparison() { return ParsePrefixed(negations, ComparisonLevel); }
 
-Parser::Element Parser::ParseSum() { return ParseChain(sumLevel); }
+Parser::Element Parser::ParseSum() { return ParseChain(SumLevel); }
 
 /// `-a*b` is `-(a*b)`.
-Parser::Element Parser::ParseSigned() { return ParsePrefixed(sumOperators, termLevel); }
+Parser::Element Parser::ParseSigned() { return ParsePrefixed(sumOperators, TermLevel); }
 
-Parser::Element Parser::ParsePower() { return ParseChain(powerLevel); }
+Parser::Element Parser::ParsePower() { return ParseChain(PowerLevel); }
 
 /// The operator at the cursor. A comparison takes a second character that belongs to it: "=" behind any, "<" and ">"
 /// behind any but "!". What they mean together is decided later; some of them mean nothing.

@@ -19,8 +19,9 @@
 // All binary operators associate to the left, "^" and the comparisons included. Keywords have any letter case. A
 // leading comma in a call stands for an omitted first argument and needs another argument behind it.
 //
-// Levels are functions, and the levels of binary operators one function with a table. The loops of a level never
-// recurse, and neither do the last branches of conditionals, so chains of any length parse on a small stack; what
+// Levels are functions, and the levels of binary operators one function with a table. An operand without a sign or a
+// negation in front begins with a primary on all of its levels: it is parsed once, and then the levels' loops follow
+// each other from the tightest on. The loops of a level never recurse, and neither do the last branches of conditionals, so chains of any length parse on a small stack; what
 // does nest passes through ParseCondition(), which looks at the stack first.
 #pragma once
 
@@ -52,11 +53,9 @@ private:
         std::uint32_t operators; ///< its own operators
         std::uint32_t stop;      ///< tokens at which the chain ends; any other than these is unexpected
     };
-    static const Level logicLevel;
-    static const Level comparisonLevel;
-    static const Level sumLevel;
-    static const Level termLevel;
-    static const Level powerLevel;
+    /// From the tightest to the loosest.
+    enum LevelNumber : std::uint8_t { PowerLevel, TermLevel, SumLevel, ComparisonLevel, LogicLevel };
+    static const Level levels[];
 
     Element ParseCondition();
     Element ParseDecisions(Element condition);
@@ -64,8 +63,8 @@ private:
     Element ParseSum();
     Element ParseSigned();
     Element ParsePower();
-    Element ParsePrefixed(std::uint32_t prefixes, const Level& level);
-    Element ParseChain(const Level& level);
+    Element ParsePrefixed(std::uint32_t prefixes, LevelNumber level);
+    Element ParseChain(LevelNumber level);
     Element ParseChainRest(Element left, const Level& level);
     Element ParsePrimary();
     Element ParseValue();

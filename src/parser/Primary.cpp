@@ -3,6 +3,8 @@
 #include "OrvUQL/ObjectString.h"
 #include "OrvUQL/Scalars.h"
 
+#include "core/InlineList.h"
+#include "core/KnownNames.h"
 #include "parser/Parser.h"
 #include "platform/CaseMap.h"
 
@@ -177,10 +179,10 @@ Parser::Element Parser::ParseMembers(Element source) {
 }
 
 Parser::Element Parser::ParseMethod(Element parent, bool member) {
-    OrvStringT name(token.text);
+    OrvStringT name = detail::NameText(token.text);
     const int position = cursor.position;
     Advance();
-    QueryElementList arguments;
+    InlineList<QueryElementList, 16> arguments; // the element's own list is as long as it has to be
     if (Is(TokenOpenParenthesis) && !ParseArguments(arguments)) {
         return Element();
     }

@@ -2,6 +2,8 @@
 
 #include "platform/CaseMap.h"
 
+#include <array>
+
 namespace OrvUQL {
 
 using namespace std::string_view_literals;
@@ -25,19 +27,17 @@ TokenKind NameKind(std::wstring_view name) noexcept {
     return TokenName;
 }
 
-/// `token` is a view into a NUL-terminated text, so there is a character behind it.
-TokenKind KindOf(std::wstring_view token) noexcept {
-    if (token.empty()) {
-        return TokenEnd;
-    }
-    const wchar_t first = token[0];
+/// What a token is whose first character this is, names and "!" apart.
+constexpr TokenKind KindOf(wchar_t first) noexcept {
     if (IsNameLetter(first)) {
-        return NameKind(token);
+        return TokenName;
     }
     if (IsDigit(first)) {
         return TokenNumber;
     }
     switch (first) {
+    case L'\0':
+        return TokenEnd;
     case L'\'':
         return TokenString;
     case L'@':
@@ -58,7 +58,7 @@ TokenKind KindOf(std::wstring_view token) noexcept {
     case L'|':
         return TokenOr;
     case L'!':
-        return token.data()[1] == L'=' ? TokenNotEqual : TokenBang;
+        return TokenBang;
     case L'<':
         return TokenLess;
     case L'>':
@@ -88,12 +88,38 @@ TokenKind KindOf(std::wstring_view token) noexcept {
     }
 }
 
+constexpr std::array<TokenKind, 128> MakeKinds() noexcept {
+    std::array<TokenKind, 128> kinds{};
+    for (std::size_t unit = 0; unit < kinds.size(); ++unit) {
+        kinds[unit] = KindOf(static_cast<wchar_t>(unit));
+    }
+    return kinds;
+}
+
+constexpr std::array<TokenKind, 128> asciiKinds = MakeKinds();
+
 } // namespace
 
 Token ReadToken(ParseCursor& cursor) noexcept {
     SkipSpaces(cursor);
-    const std::wstring_view text = PeekTokenView(cursor);
-    return Token{KindOf(text), text};
+    const wchar_t* const begin = cursor.text + cursor.position;
+    const auto first = static_cast<std::uint32_t>(*begin);
+    const TokenKind kind = first < asciiKinds.size() ? asciiKinds[first] : TokenOther;
+    switch (kind) {
+    case TokenEnd:
+        return Token{kind, std::wstring_view()};
+    case TokenName: {
+        const std::wstring_view text = PeekTokenView(cursor);
+        return Token{NameKind(text), text};
+    }
+    case TokenNumber:
+    case TokenString:
+        return Token{kind, PeekTokenView(cursor)};
+    case TokenBang:
+        return Token{begin[1] == L'=' ? TokenNotEqual : TokenBang, std::wstring_view(begin, 1)};
+    default:
+        return Token{kind, std::wstring_view(begin, 1)};
+    }
 }
 
 } // namespace OrvUQL
