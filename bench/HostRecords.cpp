@@ -70,18 +70,12 @@ IObject* HostRecord::MakeValue(std::size_t slot) const {
 const ObjectBase::MethodMap* TableRecord::_GetMethodMap() const {
     // In the order of variableNames.
     static const MethodMap table[] = {
-        MethodMap::Method(L"A", L"", &TableRecord::Method_Read<0>),
-        MethodMap::Method(L"B", L"", &TableRecord::Method_Read<1>),
-        MethodMap::Method(L"C", L"", &TableRecord::Method_Read<2>),
-        MethodMap::Method(L"D", L"", &TableRecord::Method_Read<3>),
-        MethodMap::Method(L"E", L"", &TableRecord::Method_Read<4>),
-        MethodMap::Method(L"List", L"", &TableRecord::Method_Read<5>),
-        MethodMap::Method(L"Name", L"", &TableRecord::Method_Read<6>),
-        MethodMap::Method(L"Price", L"", &TableRecord::Method_Read<7>),
-        MethodMap::Method(L"Quantity", L"", &TableRecord::Method_Read<8>),
-        MethodMap::Method(L"Weight", L"", &TableRecord::Method_Read<9>),
-        MethodMap::Chain(&TableRecord::ObjectBaseMethods),
-        MethodMap::End(),
+        MethodMap::Property<&TableRecord::Get<0>>(L"A"),        MethodMap::Property<&TableRecord::Get<1>>(L"B"),
+        MethodMap::Property<&TableRecord::Get<2>>(L"C"),        MethodMap::Property<&TableRecord::Get<3>>(L"D"),
+        MethodMap::Property<&TableRecord::Get<4>>(L"E"),        MethodMap::Property<&TableRecord::Get<5>>(L"List"),
+        MethodMap::Property<&TableRecord::Get<6>>(L"Name"),     MethodMap::Property<&TableRecord::Get<7>>(L"Price"),
+        MethodMap::Property<&TableRecord::Get<8>>(L"Quantity"), MethodMap::Property<&TableRecord::Get<9>>(L"Weight"),
+        MethodMap::Chain(&TableRecord::ObjectBaseMethods),      MethodMap::End(),
     };
     return table;
 }

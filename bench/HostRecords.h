@@ -23,7 +23,25 @@ protected:
     explicit HostRecord(const Record& record);
     ~HostRecord() override;
 
-    /// The value of variableNames[slot] with a new reference; null values for names that the record lacks.
+    /// The value of variableNames[slot]; null values for names that the record lacks.
+    PropertyValue GetValue(std::size_t slot) const {
+        const Field& field = fields[slot];
+        switch (field.kind) {
+        case Kind::Int:
+            return field.whole;
+        case Kind::Double:
+            return field.real;
+        case Kind::Text:
+            return field.text;
+        case Kind::List:
+            field.list->AddRef();
+            return PropertyValue(field.list);
+        case Kind::Missing:
+            break;
+        }
+        return {};
+    }
+    /// The same as an object with a new reference.
     IObject* MakeValue(std::size_t slot) const;
 
 private:
@@ -40,7 +58,7 @@ private:
     Field fields[std::size(variableNames)];
 };
 
-/// Answers names from a method table, as most hosts do.
+/// Offers properties, as most hosts do.
 class TableRecord : public HostRecord {
 public:
     explicit TableRecord(const Record& record) : HostRecord(record) {}
@@ -50,9 +68,7 @@ public:
 private:
     const MethodMap* _GetMethodMap() const;
 
-    template <std::size_t slot> IObject* Method_Read(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-        return MakeValue(slot);
-    }
+    template <std::size_t slot> PropertyValue Get() const { return GetValue(slot); }
 };
 
 /// Answers names itself: the way of a host whose names are data, such as the columns of a table.

@@ -71,31 +71,29 @@ inline double UqlEngine::Evaluate() {
         }
     }
     IError* error = nullptr;
-    IObject* const value = engine.Evaluate(query, &error);
-    if (value == nullptr) {
-        if (error != nullptr) {
-            error->Release();
-        }
-        return result;
-    }
+    bool succeeded = false;
     switch (reading) {
     case Reading::Number:
-        value->ToDouble(result, nullptr);
+        succeeded = engine.EvaluateTo(query, result, &error);
         break;
     case Reading::Truth: {
         bool truth = false;
-        if (value->ToBool(truth, nullptr)) {
+        succeeded = engine.EvaluateTo(query, truth, &error);
+        if (succeeded) {
             result = truth ? 1.0 : 0.0;
         }
         break;
     }
     case Reading::Text:
-        if (value->ToString(taken, nullptr)) {
+        succeeded = engine.EvaluateTo(query, taken, &error);
+        if (succeeded) {
             result = taken.GetLength();
         }
         break;
     }
-    value->Release();
+    if (error != nullptr) {
+        error->Release();
+    }
     return result;
 }
 

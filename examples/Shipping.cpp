@@ -56,10 +56,10 @@ public:
 private:
     const MethodMap* _GetMethodMap() const {
         static const MethodMap table[] = {
-            MethodMap::Method(L"Destination", L"", &Parcel::Method_Destination),
-            MethodMap::Method(L"Weight", L"", &Parcel::Method_Weight),
-            MethodMap::Method(L"Items", L"", &Parcel::Method_Items),
-            MethodMap::Method(L"Value", L"", &Parcel::Method_Value),
+            MethodMap::Property<&Parcel::destination>(L"Destination"),
+            MethodMap::Property<&Parcel::GetWeight>(L"Weight"),
+            MethodMap::Property<&Parcel::GetItems>(L"Items"),
+            MethodMap::Property<&Parcel::GetValue>(L"Value"),
             MethodMap::Method(L"Postage", L"S", &Parcel::Method_Postage), // one text, required
             MethodMap::Chain(&Parcel::ObjectBaseMethods),
             MethodMap::End(),
@@ -67,21 +67,12 @@ private:
         return table;
     }
 
-    IObject* Method_Destination(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-        return new ObjectString(destination);
-    }
-
-    IObject* Method_Weight(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
+    // An object's reference is handed over.
+    IObject* GetWeight() const {
         return new ObjectUnit(unit.get(), data.grams, 1, false); // in base units, which are grams
     }
-
-    IObject* Method_Items(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-        return new ObjectInt(data.items);
-    }
-
-    IObject* Method_Value(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
-        return data.value ? static_cast<IObject*>(new ObjectDouble(*data.value)) : new ObjectNull;
-    }
+    int GetItems() const { return data.items; }
+    std::optional<double> GetValue() const { return data.value; } // the null value where there is none
 
     IObject* Method_Postage(QueryEngine*, const OrvStringT&, const ObjectList& params, IError** err) {
         OrvStringT service;

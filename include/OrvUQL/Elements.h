@@ -24,11 +24,12 @@ public:
     IObject* Evaluate(QueryEngine* engine, IError** err) const override;
 
     /// The value, borrowed. Null where memory ends before a number's or a bool's object is made.
-    IObject* GetValue() const noexcept;
+    IObject* GetValue() const noexcept { return value != nullptr ? value : MakeValue(); }
 
 private:
     friend struct detail::ElementAccess;
     void Decode();
+    IObject* MakeValue() const noexcept;
     bool IsUnmade() const noexcept;
 
     mutable IObject* value; // of a number or a bool not made before somebody asks for it
@@ -46,10 +47,6 @@ namespace detail {
 /// On whose value a name is invoked.
 enum class CallTarget : std::uint8_t { Parent, Global, PropertySource, GroupParent, Variable };
 
-/// What a row's method without arguments computes, without the object around the result; none where that has to be
-/// asked for in the ordinary way. Runs nothing that is not the library's.
-using DirectMethod = Value (*)(IObject* target);
-
 /// What a call site knows, and what it remembers of its last look-up. Which tables a class has depends on the class
 /// alone, so the row found for one object of a class is that of all.
 struct CallSite {
@@ -60,7 +57,9 @@ struct CallSite {
     mutable bool isPlain = false; ///< and the class looks names up in its table: it does not override Invoke()
     mutable const std::type_info* type = nullptr;         ///< the class of the last look-up
     mutable const ObjectBase::MethodMap* entry = nullptr; ///< the row found
-    mutable DirectMethod direct = nullptr;                ///< for the row and the class, or null
+    /// What the row's method without arguments computes, without the object around the result, or none where that has
+    /// to be asked for in the ordinary way. Null: the row has no such form.
+    mutable DirectMethod direct = nullptr;
 };
 
 } // namespace detail

@@ -45,3 +45,17 @@
 #else
 #define ORVUQL_NOINLINE __attribute__((noinline))
 #endif
+
+/// Makes a function part of its callers.
+#if defined(_MSC_VER) && !defined(__clang__)
+#define ORVUQL_ALWAYS_INLINE __forceinline
+#else
+#define ORVUQL_ALWAYS_INLINE inline __attribute__((always_inline))
+#endif
+
+/// Makes what a function calls part of it.
+#if defined(__GNUC__)
+#define ORVUQL_FLATTEN __attribute__((flatten))
+#else
+#define ORVUQL_FLATTEN
+#endif

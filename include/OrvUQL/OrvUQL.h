@@ -15,6 +15,7 @@
 #include "OrvUQL/ObjectUnit.h"
 #include "OrvUQL/Operators.h"
 #include "OrvUQL/OrvString.h"
+#include "OrvUQL/PropertyValue.h"
 #include "OrvUQL/QueryElement.h"
 #include "OrvUQL/QueryEngine.h"
 #include "OrvUQL/RefCount.h"

@@ -41,6 +41,13 @@ public:
     IQueryElement* ParseQuery(const wchar_t* text, IError** err);
     /// Evaluates a tree, which must not be null. Returns the value with a reference, or null on failure.
     IObject* Evaluate(IQueryElement* element, IError** err);
+    /// The same for a host that wants a scalar or a text: the value, converted as its own ToBool(), ToInt(), ToDouble()
+    /// or ToString() does, without an object for it where it needs none. False on failure of the evaluation, or of the
+    /// conversion, with its error; `out` is then unchanged.
+    bool EvaluateTo(IQueryElement* element, bool& out, IError** err);
+    bool EvaluateTo(IQueryElement* element, int& out, IError** err);
+    bool EvaluateTo(IQueryElement* element, double& out, IError** err);
+    bool EvaluateTo(IQueryElement* element, OrvStringT& out, IError** err);
     /// 0-based position, in code units of the query text, of the last parse error or of the innermost element whose
     /// evaluation failed; -1 if the last ParseQuery() or Evaluate() succeeded.
     int GetErrorPosition() const noexcept { return errorPosition; }
@@ -98,6 +105,10 @@ protected:
 
 private:
     friend struct detail::EngineAccess;
+
+    template <class Out> bool EvaluateAs(IQueryElement* element, Out& out, IError** err);
+    template <class Out> static bool ConvertAs(detail::Value value, Out& out, IError** err);
+    bool FailAtRoot(const IQueryElement* element) noexcept;
 
     std::vector<IUnitFactory*> unitFactories;
     std::vector<IObject*> groupParentStack;

@@ -41,6 +41,8 @@ protected:
 /// that a structure a million levels deep is released on a small stack. Null is ignored. Up to that depth, and so for
 /// everything that people write, it is a plain Release() at once.
 ORVUQL_API void ReleaseNested(IRefCountObject* object) noexcept;
+/// The same for a row of them, front to back.
+ORVUQL_API void ReleaseNested(IRefCountObject* const* objects, std::size_t count) noexcept;
 
 namespace detail {
 struct CountAccess;
@@ -164,12 +166,12 @@ public:
 
     /// Releases every non-null entry, front to back, and leaves the list empty.
     void ReleaseAll() noexcept {
+        static_assert(sizeof(T*) == sizeof(IRefCountObject*));
         const std::uint32_t last = count;
         count = 0;
-        for (std::uint32_t index = 0; index < last; ++index) {
-            if (items[index] != nullptr) {
-                ReleaseNested(items[index]);
-            }
+        if (last != 0) {
+            // T's first base: the pointers are the same.
+            ReleaseNested(reinterpret_cast<IRefCountObject* const*>(items), last);
         }
     }
 

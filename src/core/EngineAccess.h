@@ -4,9 +4,12 @@
 #include "OrvUQL/Elements.h"
 #include "OrvUQL/QueryEngine.h"
 
-#include "core/Value.h"
+#include "core/Frame.h"
 
+#include <new>
+#include <stdexcept>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 namespace OrvUQL::detail {
@@ -40,6 +43,15 @@ struct EngineAccess {
         }
     }
 
+    /// The same for a target that is one of the engine's, without a choice to make.
+    static IObject* Slot(const QueryEngine* engine, CallTarget target) noexcept {
+        static constexpr IObject* QueryEngine::*slots[] = {&QueryEngine::global, &QueryEngine::propertySource,
+                                                           &QueryEngine::groupParent, &QueryEngine::variable};
+        static_assert(static_cast<int>(CallTarget::Global) == 1 && static_cast<int>(CallTarget::PropertySource) == 2 &&
+                      static_cast<int>(CallTarget::GroupParent) == 3 && static_cast<int>(CallTarget::Variable) == 4);
+        return engine->*slots[static_cast<std::size_t>(target) - 1];
+    }
+
     /// Puts an object into the variable's slot, both references handed over; returns the one that was there. For those
     /// who bring that one back whatever happens.
     static IObject* ExchangeVariable(QueryEngine* engine, IObject* object) noexcept {
@@ -71,6 +83,12 @@ struct EngineAccess {
 /// host's may not, the failure's position is the element's.
 inline IObject* EvaluateArgument(const IQueryElement* element, QueryEngine* engine, IError** err) {
     EngineAccess::ClearErrorPosition(engine);
+    if (&typeid(*element) == &typeid(ElementObject)) { // a literal, which needs nothing but its object
+        if (IObject* const literal = static_cast<const ElementObject*>(element)->GetValue()) {
+            literal->AddRef();
+            return literal;
+        }
+    }
     IObject* const value = element->Evaluate(engine, err);
     if (value == nullptr) {
         EngineAccess::SetErrorPositionIfNone(engine, element->GetStringPosition());
@@ -93,11 +111,40 @@ inline IObject* CallRow(ObjectBase* object, const ObjectBase::MethodMap& row, Qu
 /// Of calls without arguments.
 inline constinit const ObjectList noParameters;
 
-/// What an element is, for EvaluateArgumentValue().
-ElementKind KindOfElement(const IQueryElement* element) noexcept;
+/// An argument's element that a method evaluates again and again.
+class RepeatedArgument {
+public:
+    /// All are borrowed.
+    RepeatedArgument(const IQueryElement* argument, QueryEngine* queryEngine, IError** err) noexcept;
 
-/// The same without an object around what an operator computes. What other elements give is an object and stays it.
-Value EvaluateArgumentValue(const IQueryElement* element, ElementKind kind, QueryEngine* engine, IError** err);
+    /// The value, without an object around what an operator computes. What other elements give is an object and stays
+    /// it. A failure, with its position noted as by EvaluateArgument(), is the last call. May throw what a host throws.
+    ORVUQL_ALWAYS_INLINE Value Evaluate() {
+        EngineAccess::ClearErrorPosition(engine);
+        if (code == nullptr) {
+            return EvaluateElement();
+        }
+        try {
+            const Value value = RunProgram(code, engine, frame);
+            if (value.Failed()) [[unlikely]] {
+                EngineAccess::SetErrorPositionIfNone(engine, element->GetStringPosition());
+            }
+            return value;
+        } catch (const std::bad_alloc&) {
+        } catch (const std::length_error&) {}
+        return FailForMemory();
+    }
+
+private:
+    const IQueryElement* element;
+    QueryEngine* engine;
+    const Instruction* code = nullptr; // of an operator, once it is there
+    ElementKind kind;
+    Frame frame;
+
+    Value EvaluateElement();
+    Value FailForMemory() const;
+};
 
 /// The direct form of a row that an object of exactly this class found, or null.
 DirectMethod FindDirectMethod(const std::type_info& type, const ObjectBase::MethodMap& entry) noexcept;

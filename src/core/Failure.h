@@ -2,6 +2,7 @@
 #pragma once
 
 #include "OrvUQL/Error.h"
+#include "OrvUQL/Export.h"
 
 #include "core/Messages.h"
 #include "platform/Thread.h"
@@ -29,7 +30,7 @@ std::nullptr_t FailNull(IError** err, const wchar_t* format, const Inserts&... i
 
 /// Runs `body`. Where memory ends, the result is null or false with "Internal error". Any other exception, thrown by a
 /// host's own object, passes through.
-template <class Body> auto Guarded(IError** err, Body&& body) -> decltype(body()) {
+template <class Body> ORVUQL_ALWAYS_INLINE auto Guarded(IError** err, Body&& body) -> decltype(body()) {
     try {
         return body();
     } catch (const std::bad_alloc&) {

@@ -12,6 +12,7 @@
 #include "core/Failure.h"
 #include "core/InlineList.h"
 #include "core/Signature.h"
+#include "core/Value.h"
 #include "platform/CaseMap.h"
 #include "platform/Pool.h"
 
@@ -41,6 +42,15 @@ const ObjectBase::MethodMap* FindRow(const ObjectBase* object, const ObjectBase:
     return nullptr;
 }
 
+/// The form of a row that gives its value without an object, or null.
+detail::DirectMethod FindDirect(bool isPlain, const std::type_info& type, const ObjectBase::MethodMap& row) noexcept {
+    if (row.baseAdjust == detail::propertyMark) {
+        // The row's signature is the first member of this.
+        return isPlain ? reinterpret_cast<const detail::PropertySignature*>(row.signature)->read : nullptr;
+    }
+    return detail::FindDirectMethod(type, row);
+}
+
 } // namespace
 
 void* ObjectBase::operator new(std::size_t size) { return platform::PoolAllocate(size); }
@@ -63,6 +73,7 @@ const ObjectBase::MethodMap* ObjectBase::_GetMethodMap() const {
 
 const ObjectBase::MethodMap* ObjectBase::GetMethodMap() const { return _GetMethodMap(); }
 OrvStringT ObjectBase::ToString() const { return OrvStringT(); }
+IObject* ObjectBase::MakeObject(detail::Value value) { return detail::Box(value); }
 bool ObjectBase::IsStaticInstance() const { return false; }
 bool ObjectBase::IsNull() const { return false; }
 bool ObjectBase::IsUnit() const { return false; }
@@ -73,7 +84,9 @@ IQueryElement* ObjectBase::GetQueryElement(IObject* obj) {
     if (obj == nullptr || obj->GetType() != TypeExpression) {
         return nullptr;
     }
-    const ObjectExpression* const expression = dynamic_cast<const ObjectExpression*>(obj);
+    const ObjectExpression* const expression = &typeid(*obj) == &typeid(ObjectExpression)
+                                                   ? static_cast<const ObjectExpression*>(obj)
+                                                   : dynamic_cast<const ObjectExpression*>(obj);
     return expression == nullptr ? nullptr : expression->GetQueryElement();
 }
 
@@ -112,7 +125,7 @@ IObject* ObjectBase::InvokeNamed(QueryEngine* engine, const detail::CallSite* si
             site->entry = entry;
             site->isRead = *entry->signature == L'\0';
             site->isPlain = site->isRead && IsPlain();
-            site->direct = site->isRead ? detail::FindDirectMethod(*type, *entry) : nullptr;
+            site->direct = site->isRead ? FindDirect(site->isPlain, *type, *entry) : nullptr;
             return CallMethod(engine, *entry, name, site->name, args, err);
         }
         return CallMethod(engine, *entry, name, OrvStringT(name), args, err);

@@ -16,6 +16,16 @@ constexpr int releaseDepthLimit = 32;
 /// What one more level of releasing may take, by far.
 constexpr std::size_t releaseStack = 8 * 1024;
 
+/// What waits while the outermost release is over.
+void ReleasePending(platform::ThreadState& thread) noexcept {
+    while (!thread.pendingReleases.IsEmpty()) {
+        IRefCountObject* const pending = static_cast<IRefCountObject*>(thread.pendingReleases.Pop());
+        ++thread.releaseDepth;
+        pending->Release();
+        --thread.releaseDepth;
+    }
+}
+
 } // namespace
 
 void ReleaseNested(IRefCountObject* object) noexcept {
@@ -35,11 +45,26 @@ void ReleaseNested(IRefCountObject* object) noexcept {
     }
     ++thread.releaseDepth;
     object->Release();
-    if (--thread.releaseDepth == 0) {
-        while (void* const pending = thread.pendingReleases.Pop()) {
-            ++thread.releaseDepth;
-            static_cast<IRefCountObject*>(pending)->Release();
-            --thread.releaseDepth;
+    if (--thread.releaseDepth == 0 && !thread.pendingReleases.IsEmpty()) {
+        ReleasePending(thread);
+    }
+}
+
+void ReleaseNested(IRefCountObject* const* objects, std::size_t count) noexcept {
+    platform::ThreadState& thread = platform::CurrentThread();
+    const bool isTooDeep = thread.releaseDepth >= releaseDepthLimit;
+    for (IRefCountObject* const* const end = objects + count; objects != end; ++objects) {
+        if (*objects == nullptr) {
+            continue;
+        }
+        if (isTooDeep) {
+            ReleaseNested(*objects);
+            continue;
+        }
+        ++thread.releaseDepth;
+        (*objects)->Release();
+        if (--thread.releaseDepth == 0 && !thread.pendingReleases.IsEmpty()) {
+            ReleasePending(thread);
         }
     }
 }

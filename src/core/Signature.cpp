@@ -40,6 +40,9 @@ const wchar_t* LetterWord(wchar_t letter) noexcept {
 /// The parameter that a letter makes of an argument, or null.
 IObject* MakeParameter(wchar_t letter, IQueryElement* node, QueryEngine* engine, IError** err) {
     const wchar_t kind = ToUpperLetter(letter);
+    if (kind == L'O') {
+        return EvaluateArgument(node, engine, err);
+    }
     if (kind == L'E') {
         return new ObjectExpression(node);
     }
@@ -58,8 +61,6 @@ IObject* MakeParameter(wchar_t letter, IQueryElement* node, QueryEngine* engine,
         return value->ChangeType(IObject::TypeString, err);
     case L'N':
         return value->ToNumeric(err);
-    case L'O':
-        return value.Detach();
     default:
         return nullptr;
     }

@@ -1,75 +1,11 @@
-// A value on its way up the tree: a scalar or a text without an object around it, or any other value as an object.
-//
-// It is a plain pair of words that is returned in registers; ValueHolder gives it an owner.
+// What is done with a value on its way up the tree.
 #pragma once
 
-#include "OrvUQL/Object.h"
-#include "OrvUQL/OrvString.h"
+#include "OrvUQL/PropertyValue.h"
 
 #include <utility>
 
 namespace OrvUQL::detail {
-
-/// The first five agree with IObject::EType. As wide as a register: a value is returned in two of them.
-enum class ValueKind : std::int64_t {
-    Null = IObject::TypeNull,
-    Bool = IObject::TypeBool,
-    Int = IObject::TypeInt,
-    Double = IObject::TypeDouble,
-    Text = IObject::TypeString,
-    Object, ///< none of the above, or one that a host's class or a type object stands for
-    None,   ///< evaluation failed
-};
-
-struct Value {
-    ValueKind kind;
-    union {
-        bool boolean;
-        int integer;
-        double number;
-        wchar_t* text;   ///< one share of a text's buffer
-        IObject* object; ///< one reference
-    };
-
-    /// Indeterminate.
-    Value() noexcept = default;
-
-    static Value None() noexcept { return Value(ValueKind::None); }
-    static Value Null() noexcept { return Value(ValueKind::Null); }
-    static Value Bool(bool boolean) noexcept {
-        Value value(ValueKind::Bool);
-        value.boolean = boolean;
-        return value;
-    }
-    static Value Int(int integer) noexcept {
-        Value value(ValueKind::Int);
-        value.integer = integer;
-        return value;
-    }
-    static Value Double(double number) noexcept {
-        Value value(ValueKind::Double);
-        value.number = number;
-        return value;
-    }
-    static Value Text(OrvStringT text) noexcept {
-        Value value(ValueKind::Text);
-        value.text = text.ReleaseBuffer();
-        return value;
-    }
-    /// Takes the reference over. Null: evaluation failed.
-    static Value Object(IObject* object) noexcept {
-        Value value(object == nullptr ? ValueKind::None : ValueKind::Object);
-        value.object = object;
-        return value;
-    }
-
-    bool Failed() const noexcept { return kind == ValueKind::None; }
-    /// The text of a value of kind Text.
-    OrvStringT SharedText() const noexcept { return OrvStringT::ShareBuffer(text); }
-
-private:
-    explicit Value(ValueKind valueKind) noexcept : kind(valueKind), object(nullptr) {}
-};
 
 /// Owns a value.
 class ValueHolder {

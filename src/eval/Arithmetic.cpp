@@ -76,16 +76,35 @@ Value DivideUnits(const ValueHolder& left, const ValueHolder& right, IError** er
 
 } // namespace
 
-IObject::EType ReduceTypes(IObject::EType left, IObject::EType right) noexcept {
-    constexpr IObject::EType precedence[] = {IObject::TypeNull,   IObject::TypeGlobal, IObject::TypeUnit,
-                                             IObject::TypeString, IObject::TypeDouble, IObject::TypeInt,
-                                             IObject::TypeBool};
-    for (const IObject::EType type : precedence) {
-        if (left == type || right == type) {
-            return type;
-        }
+namespace {
+
+/// The lower one of a pair decides.
+constexpr int RankOf(IObject::EType type) noexcept {
+    switch (type) {
+    case IObject::TypeNull:
+        return 0;
+    case IObject::TypeGlobal:
+        return 1;
+    case IObject::TypeUnit:
+        return 2;
+    case IObject::TypeString:
+        return 3;
+    case IObject::TypeDouble:
+        return 4;
+    case IObject::TypeInt:
+        return 5;
+    case IObject::TypeBool:
+        return 6;
+    default: // all others stand for a global object where there is nothing else
+        return 7;
     }
-    return IObject::TypeGlobal;
+}
+
+} // namespace
+
+IObject::EType ReduceTypes(IObject::EType left, IObject::EType right) noexcept {
+    const IObject::EType lower = RankOf(left) <= RankOf(right) ? left : right;
+    return RankOf(lower) < 7 ? lower : IObject::TypeGlobal;
 }
 
 Value EvaluatePlus(ValueHolder& left, ValueHolder& right, IError** err) {

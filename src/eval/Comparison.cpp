@@ -2,6 +2,7 @@
 
 #include "eval/Arithmetic.h"
 #include "eval/UnitOperands.h"
+#include "platform/CaseMap.h"
 #include "platform/Power.h"
 
 namespace OrvUQL::detail {
@@ -75,11 +76,11 @@ bool CompareStrings(EOperType op, const OrvStringT& a, const OrvStringT& b) noex
     case OperLessEqual:
         return a.Compare(b) <= 0;
     case OperEqual:
-        return a.CompareNoCase(b) == 0;
+        return platform::EqualsIgnoreCase(a.View(), b.View());
     case OperStrictEqual:
         return a == b;
     case OperNotEqual:
-        return a.CompareNoCase(b) != 0;
+        return !platform::EqualsIgnoreCase(a.View(), b.View());
     default:
         return false;
     }

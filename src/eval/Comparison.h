@@ -4,27 +4,22 @@
 #include "core/Value.h"
 
 #include <cmath>
+#include <cstdint>
 
 namespace OrvUQL::detail {
 
 inline bool CompareInts(EOperType op, int a, int b) noexcept {
-    switch (op) {
-    case OperGreater:
-        return a > b;
-    case OperGreaterEqual:
-        return a >= b;
-    case OperLess:
-        return a < b;
-    case OperLessEqual:
-        return a <= b;
-    case OperEqual:
-    case OperStrictEqual:
-        return a == b;
-    case OperNotEqual:
-        return a != b;
-    default:
-        return false;
-    }
+    // For each comparison three bits, for less, equal and greater, in a byte: no branch that depends on the data.
+    constexpr std::uint64_t less = 1;
+    constexpr std::uint64_t equal = 2;
+    constexpr std::uint64_t greater = 4;
+    constexpr std::uint64_t verdicts = greater << 8 * OperGreater | (greater | equal) << 8 * OperGreaterEqual |
+                                       less << 8 * OperLess | (less | equal) << 8 * OperLessEqual |
+                                       equal << 8 * OperEqual | equal << 8 * OperStrictEqual |
+                                       (less | greater) << 8 * OperNotEqual;
+    static_assert(OperNone == 0 && OperNotEqual == 7);
+    const unsigned order = static_cast<unsigned>(a > b) + static_cast<unsigned>(a >= b);
+    return static_cast<unsigned>(op) < 8u && (verdicts >> (8u * static_cast<unsigned>(op) + order) & 1u) != 0;
 }
 
 inline bool CompareDoubles(EOperType op, double a, double b, double tolerance) noexcept {

@@ -11,14 +11,14 @@ ElementKind ElementAccess::KindOf(const IQueryElement* element) noexcept {
         return ElementKind::Other;
     }
     const std::type_info* const type = &typeid(*element);
-    if (type == &typeid(ElementObject)) {
-        return ElementKind::Object;
+    if (type == &typeid(OperatorBinary)) {
+        return ElementKind::Binary;
     }
     if (type == &typeid(ElementMethod)) {
         return ElementKind::Method;
     }
-    if (type == &typeid(OperatorBinary)) {
-        return ElementKind::Binary;
+    if (type == &typeid(ElementObject)) {
+        return ElementKind::Object;
     }
     if (type == &typeid(OperatorUnary)) {
         return ElementKind::Unary;
@@ -47,8 +47,10 @@ constexpr ElementKind KindOfNode(const OperatorUnary*) { return ElementKind::Una
 constexpr ElementKind KindOfNode(const OperatorBinary*) { return ElementKind::Binary; }
 constexpr ElementKind KindOfNode(const OperatorTernary*) { return ElementKind::Ternary; }
 
-template <class Node> Value RunOperator(const Node* node, QueryEngine* engine, IError** err) {
-    return CheckStack(node, engine, err) ? ElementAccess::ProgramOf(node)->Run(engine, err) : Value::None();
+template <class Node>
+ORVUQL_ALWAYS_INLINE Value RunOperator(const Node* node, QueryEngine* engine, bool wantsObject, IError** err) {
+    return CheckStack(node, engine, err) ? ElementAccess::ProgramOf(node)->Run(engine, wantsObject, err)
+                                         : Value::None();
 }
 
 } // namespace
@@ -60,7 +62,7 @@ template <class Node> const Program* ElementAccess::MakeProgram(const Node* node
 
 template <class Node> IObject* ElementAccess::EvaluateOperator(const Node* node, QueryEngine* engine, IError** err) {
     try {
-        return Box(RunOperator(node, engine, err));
+        return Box(RunOperator(node, engine, true, err));
     } catch (const std::bad_alloc&) {
     } catch (const std::length_error&) {}
     return FailForMemory(node, engine, err);
@@ -70,24 +72,45 @@ template IObject* ElementAccess::EvaluateOperator(const OperatorUnary*, QueryEng
 template IObject* ElementAccess::EvaluateOperator(const OperatorBinary*, QueryEngine*, IError**);
 template IObject* ElementAccess::EvaluateOperator(const OperatorTernary*, QueryEngine*, IError**);
 
-ElementKind KindOfElement(const IQueryElement* element) noexcept { return ElementAccess::KindOf(element); }
+Value EvaluateRootValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
+    if (&typeid(*element) == &typeid(OperatorBinary)) { // as most are
+        return RunOperator(static_cast<const OperatorBinary*>(element), engine, false, err);
+    }
+    switch (ElementAccess::KindOf(element)) {
+    case ElementKind::Unary:
+        return RunOperator(static_cast<const OperatorUnary*>(element), engine, false, err);
+    case ElementKind::Ternary:
+        return RunOperator(static_cast<const OperatorTernary*>(element), engine, false, err);
+    case ElementKind::Method:
+        return ElementAccess::CallValue(element, engine, err);
+    default:
+        return Unbox(element->Evaluate(engine, err));
+    }
+}
 
-Value EvaluateArgumentValue(const IQueryElement* element, ElementKind kind, QueryEngine* engine, IError** err) {
-    EngineAccess::ClearErrorPosition(engine);
+RepeatedArgument::RepeatedArgument(const IQueryElement* argument, QueryEngine* queryEngine, IError** err) noexcept
+    : element(argument), engine(queryEngine), kind(ElementAccess::KindOf(argument)), frame(true, err) {}
+
+/// Whatever the element is. An operator's program runs by itself from then on.
+Value RepeatedArgument::EvaluateElement() {
     try {
         Value value = Value::None();
         switch (kind) {
         case ElementKind::Binary:
-            value = RunOperator(static_cast<const OperatorBinary*>(element), engine, err);
+            code = ElementAccess::ProgramOf(static_cast<const OperatorBinary*>(element))->PlainCode();
+            value = RunOperator(static_cast<const OperatorBinary*>(element), engine, true, frame.err);
             break;
         case ElementKind::Unary:
-            value = RunOperator(static_cast<const OperatorUnary*>(element), engine, err);
+            code = ElementAccess::ProgramOf(static_cast<const OperatorUnary*>(element))->PlainCode();
+            value = RunOperator(static_cast<const OperatorUnary*>(element), engine, true, frame.err);
             break;
         case ElementKind::Ternary:
-            value = RunOperator(static_cast<const OperatorTernary*>(element), engine, err);
+            code = ElementAccess::ProgramOf(static_cast<const OperatorTernary*>(element))->PlainCode();
+            value = RunOperator(static_cast<const OperatorTernary*>(element), engine, true, frame.err);
             break;
         default:
-            value = Value::Object(ElementAccess::EvaluateObject(element, kind, engine, err));
+            value = Value::Object(ElementAccess::EvaluateObject(element, kind, engine, frame.err));
+            break;
         }
         if (value.Failed()) {
             EngineAccess::SetErrorPositionIfNone(engine, element->GetStringPosition());
@@ -95,7 +118,11 @@ Value EvaluateArgumentValue(const IQueryElement* element, ElementKind kind, Quer
         return value;
     } catch (const std::bad_alloc&) {
     } catch (const std::length_error&) {}
-    FailForMemory(element, engine, err);
+    return FailForMemory();
+}
+
+Value RepeatedArgument::FailForMemory() const {
+    detail::FailForMemory(element, engine, frame.err);
     return Value::None();
 }
 

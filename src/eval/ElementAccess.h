@@ -10,6 +10,7 @@
 #include "core/Failure.h"
 #include "core/Value.h"
 #include "platform/Thread.h"
+#include "values/IteratorAccess.h"
 
 #include <typeinfo>
 
@@ -31,12 +32,62 @@ struct ElementAccess {
         if (call->site.direct != nullptr && call->arguments.empty()) {
             IObject* const target = KnownTarget(call, engine);
             if (target != nullptr && call->site.type == &typeid(*target)) {
-                if (const Value value = call->site.direct(target); !value.Failed()) {
+                if (const Value value = ReadDirectly(call, target, engine); !value.Failed()) {
                     return value;
                 }
             }
         }
         return call->EvaluateValue(engine, err);
+    }
+
+    /// The same for a call without arguments of a name without a parent.
+    static ORVUQL_ALWAYS_INLINE Value ReadValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
+        const ElementMethod* const call = static_cast<const ElementMethod*>(element);
+        if (call->site.direct != nullptr && call->site.target != CallTarget::Parent && engine != nullptr) [[likely]] {
+            IObject* const target = EngineAccess::Slot(engine, call->site.target);
+            if (target != nullptr && call->site.type == &typeid(*target)) [[likely]] {
+                if (const Value value = ReadDirectly(call, target, engine); !value.Failed()) [[likely]] {
+                    return value;
+                }
+            }
+        }
+        return call->EvaluateValue(engine, err);
+    }
+
+    /// The same for "$item" and "$lasteval", which array methods answer for each item.
+    static ORVUQL_ALWAYS_INLINE Value ItemValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
+        if (const ObjectIterator* const iterator = VariableIterator(engine)) [[likely]] {
+            const Value number = IteratorAccess::IntItem(iterator);
+            if (!number.Failed()) [[likely]] {
+                return number;
+            }
+            const Value value = IteratorAccess::Item(iterator);
+            if (!value.Failed()) {
+                return value;
+            }
+        }
+        return ReadValue(element, engine, err);
+    }
+    static ORVUQL_ALWAYS_INLINE Value LastValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
+        if (const ObjectIterator* const iterator = VariableIterator(engine)) [[likely]] {
+            const Value value = IteratorAccess::LastEval(iterator);
+            if (!value.Failed()) [[likely]] {
+                return value;
+            }
+        }
+        return ReadValue(element, engine, err);
+    }
+
+    /// The name without its prefix if the call reads the variable, else an empty one.
+    static std::wstring_view VariableName(const IQueryElement* element) noexcept {
+        const ElementMethod* const call = static_cast<const ElementMethod*>(element);
+        return call->site.target == CallTarget::Variable ? call->site.name.View() : std::wstring_view();
+    }
+
+    /// Whether ReadValue() serves a call.
+    static bool IsRead(const IQueryElement* element) noexcept {
+        const ElementMethod* const call = static_cast<const ElementMethod*>(element);
+        return call->parent == nullptr && call->arguments.empty();
     }
 
     /// The object on which a name is invoked where nothing has to be evaluated to find it, borrowed; else null.
@@ -86,7 +137,32 @@ struct ElementAccess {
 
 private:
     template <class Node> static const Program* MakeProgram(const Node* node);
+
+    /// The variable if it is exactly the library's iterator, which has its own table.
+    static const ObjectIterator* VariableIterator(const QueryEngine* engine) noexcept {
+        const IObject* const variable = engine == nullptr ? nullptr : EngineAccess::Slot(engine, CallTarget::Variable);
+        return variable != nullptr && &typeid(*variable) == &typeid(ObjectIterator)
+                   ? static_cast<const ObjectIterator*>(variable)
+                   : nullptr;
+    }
+
+    /// Where memory ends in a host's getter, that is noted as the call's failure.
+    static Value ReadDirectly(const ElementMethod* call, IObject* target, QueryEngine* engine) {
+        try {
+            return call->site.direct(target);
+        } catch (const std::bad_alloc&) {
+            EngineAccess::SetErrorPosition(engine, call->position);
+            throw;
+        } catch (const std::length_error&) {
+            EngineAccess::SetErrorPosition(engine, call->position);
+            throw;
+        }
+    }
 };
+
+/// The value of a tree without an object around it where there need not be one. What it gives is what Evaluate() of the
+/// element gives. May throw.
+Value EvaluateRootValue(const IQueryElement* element, QueryEngine* engine, IError** err);
 
 /// A failure of the element's own, not of a child's.
 inline std::nullptr_t FailAt(QueryEngine* engine, int position) noexcept {

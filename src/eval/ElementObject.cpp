@@ -67,7 +67,7 @@ bool ElementObject::IsUnmade() const noexcept {
     return value == nullptr && static_cast<ValueKind>(valueKind) != ValueKind::None;
 }
 
-IObject* ElementObject::GetValue() const noexcept {
+IObject* ElementObject::MakeValue() const noexcept {
     if (IsUnmade()) {
         value = Guarded(nullptr, [&] { return detail::Box(ElementAccess::LiteralScalar(this)); });
     }

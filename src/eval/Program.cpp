@@ -9,43 +9,9 @@
 
 #include <memory>
 
-#if defined(_MSC_VER) && !defined(__clang__)
-#define ORVUQL_ALWAYS_INLINE __forceinline
-#define ORVUQL_UNREACHABLE() __assume(false)
-#else
-#define ORVUQL_ALWAYS_INLINE inline __attribute__((always_inline))
-#define ORVUQL_UNREACHABLE() __builtin_unreachable()
-#endif
-
 namespace OrvUQL::detail {
 
 namespace {
-
-/// The values that a run has put aside. It owns them, so that they are disposed of however the run ends.
-class PutAside {
-public:
-    explicit PutAside(std::size_t depth) : far(depth > nearCapacity ? new Value[depth] : nullptr) {
-        values = far ? far.get() : near;
-    }
-    PutAside(const PutAside&) = delete;
-    PutAside& operator=(const PutAside&) = delete;
-    ~PutAside() {
-        while (count != 0) {
-            const ValueHolder disposed(Pop());
-        }
-    }
-
-    void Push(Value value) noexcept { values[count++] = value; }
-    Value Pop() noexcept { return values[--count]; }
-
-private:
-    static constexpr std::size_t nearCapacity = 6;
-
-    Value near[nearCapacity];
-    std::unique_ptr<Value[]> far;
-    Value* values;
-    std::size_t count = 0;
-};
 
 bool NeedsOwner(const Value& value) noexcept {
     return value.kind == ValueKind::Text || value.kind == ValueKind::Object;
@@ -57,7 +23,7 @@ void Dispose(Value value) noexcept {
     }
 }
 
-Value LiteralText(const Instruction& instruction) noexcept {
+ORVUQL_ALWAYS_INLINE Value LiteralText(const Instruction& instruction) noexcept {
     return Value::Text(ElementAccess::LiteralText(instruction.element));
 }
 
@@ -74,6 +40,9 @@ Value NoShortWay() noexcept {
 
 /// Two ints, without asking for their types.
 ORVUQL_ALWAYS_INLINE Value CombineInts(OperatorCode code, int left, int right, IError** err) {
+    if (code <= OperatorCode::NotEqual) {
+        return Value::Bool(CompareInts(static_cast<EOperType>(code), left, right));
+    }
     switch (code) {
     case OperatorCode::Plus:
         return AddInts(left, right, err);
@@ -84,13 +53,15 @@ ORVUQL_ALWAYS_INLINE Value CombineInts(OperatorCode code, int left, int right, I
     case OperatorCode::Divide:
         return DivideDoubles(left, right, err);
     default:
-        return code > OperatorCode::NotEqual ? NoShortWay()
-                                             : Value::Bool(CompareInts(static_cast<EOperType>(code), left, right));
+        return NoShortWay();
     }
 }
 
 /// And two numbers of which one is a double.
 ORVUQL_ALWAYS_INLINE Value CombineDoubles(OperatorCode code, double left, double right, IError** err) {
+    if (code <= OperatorCode::NotEqual) {
+        return Value::Bool(CompareDoubles(static_cast<EOperType>(code), left, right, 0.0));
+    }
     switch (code) {
     case OperatorCode::Plus:
         return Value::Double(left + right);
@@ -101,9 +72,7 @@ ORVUQL_ALWAYS_INLINE Value CombineDoubles(OperatorCode code, double left, double
     case OperatorCode::Divide:
         return DivideDoubles(left, right, err);
     default:
-        return code > OperatorCode::NotEqual
-                   ? NoShortWay()
-                   : Value::Bool(CompareDoubles(static_cast<EOperType>(code), left, right, 0.0));
+        return NoShortWay();
     }
 }
 
@@ -160,19 +129,29 @@ ORVUQL_NOINLINE Value CombineOthers(const Instruction& instruction, Value leftVa
     return WorkAt(engine, instruction.position, [&] { return Combine(instruction.code, left, right, engine, err); });
 }
 
-/// The truth of a value that is no bool, which it takes over. False on failure.
-ORVUQL_NOINLINE bool DecideOther(const Instruction& instruction, Value value, bool& truth, QueryEngine* engine,
-                                 IError** err) {
+/// The truth of a value that is no bool, as a bool; the value is taken over. None on failure.
+ORVUQL_NOINLINE Value TruthOfOther(const Instruction& instruction, Value value, QueryEngine* engine, IError** err) {
     const ValueHolder holder(value);
-    return WorkAt(engine, instruction.position, [&] { return ToBool(holder.Get(), truth, err); });
+    bool truth = false;
+    const bool hasTruth = WorkAt(engine, instruction.position, [&] { return ToBool(holder.Get(), truth, err); });
+    return hasTruth ? Value::Bool(truth) : FailAtInstruction(instruction, engine);
 }
 
-inline bool Decide(const Instruction& instruction, Value value, bool& truth, QueryEngine* engine, IError** err) {
-    if (value.kind == ValueKind::Bool) {
-        truth = value.boolean;
+/// Replaces the accumulator by its truth. False on failure, with the accumulator's value disposed of.
+ORVUQL_ALWAYS_INLINE bool BecomeTruth(const Instruction& instruction, Value& accumulator, QueryEngine* engine,
+                                      const Frame& frame) {
+    if (accumulator.kind == ValueKind::Bool) [[likely]] {
         return true;
     }
-    return DecideOther(instruction, value, truth, engine, err);
+    accumulator = TruthOfOther(instruction, accumulator, engine, frame.err);
+    return !accumulator.Failed();
+}
+
+/// The verdict on a text, which is taken over, and a literal one.
+inline Value CompareWithLiteral(const Instruction& instruction, Value text) noexcept {
+    const OrvStringT left = OrvStringT::AdoptBuffer(text.text);
+    return Value::Bool(CompareStrings(static_cast<EOperType>(instruction.code), left,
+                                      ElementAccess::LiteralText(instruction.element)));
 }
 
 /// Takes the operand over.
@@ -185,7 +164,7 @@ ORVUQL_NOINLINE Value ApplySign(const Instruction& instruction, Value value, Que
 /// Evaluates the right operand while the left one waits, which is disposed of if that fails.
 ORVUQL_NOINLINE Value EvaluateBeside(Value left, const Instruction& instruction, QueryEngine* engine, IError** err) {
     ValueHolder waiting(left);
-    const Value right = instruction.action == Action::CombineCall
+    const Value right = instruction.action != Action::CombineElement
                             ? ElementAccess::CallValue(instruction.element, engine, err)
                             : Unbox(ElementAccess::EvaluateObject(instruction.element, instruction.kind, engine, err));
     if (!right.Failed()) {
@@ -194,194 +173,281 @@ ORVUQL_NOINLINE Value EvaluateBeside(Value left, const Instruction& instruction,
     return right;
 }
 
-/// For programs that put nothing aside, which most are.
-struct NothingPutAside {
-    explicit NothingPutAside(std::size_t) noexcept {}
-    void Push(Value) noexcept {}
-    Value Pop() noexcept { return Value::None(); }
-};
-
-template <class Stack>
-ORVUQL_NOINLINE Value RunCode(const Instruction* code, std::size_t depth, QueryEngine* engine, IError** err) {
-    Stack stack(depth);
-    const Instruction* at = code;
-    Value accumulator = Value::None(); // without an owner: whoever is handed it disposes of it
-    for (;;) {
-        Value right = Value::None();
-        switch (at->action) {
-        case Action::LoadInt:
-            accumulator = Value::Int(at->integer);
-            ++at;
-            continue;
-        case Action::LoadDouble:
-            accumulator = Value::Double(at->number);
-            ++at;
-            continue;
-        case Action::LoadBool:
-            accumulator = Value::Bool(at->boolean);
-            ++at;
-            continue;
-        case Action::LoadNull:
-            accumulator = Value::Null();
-            ++at;
-            continue;
-        case Action::LoadText:
-            accumulator = LiteralText(*at);
-            ++at;
-            continue;
-        case Action::LoadCall:
-            accumulator = ElementAccess::CallValue(at->element, engine, err);
-            if (accumulator.Failed()) {
-                return accumulator;
+/// The value of the program's result, which is that of an element.
+ORVUQL_NOINLINE Value LoadResult(const Instruction& instruction, QueryEngine* engine, const Frame& frame) {
+    if (!frame.wantsObject) {
+        if (instruction.kind == ElementKind::Object) {
+            const Value scalar = ElementAccess::LiteralScalar(instruction.element);
+            if (!scalar.Failed()) {
+                return scalar;
             }
-            ++at;
-            continue;
-        case Action::LoadElement:
-            accumulator = Unbox(ElementAccess::EvaluateObject(at->element, at->kind, engine, err));
-            if (accumulator.Failed()) {
-                return accumulator;
+            if (ElementAccess::LiteralKind(instruction.element) == ValueKind::Text) {
+                return LiteralText(instruction);
             }
-            ++at;
-            continue;
-
-        case Action::LoadResult:
-            accumulator = Value::Object(ElementAccess::EvaluateObject(at->element, at->kind, engine, err));
-            if (accumulator.Failed()) {
-                return accumulator;
-            }
-            ++at;
-            continue;
-
-        case Action::AddInt:
-            if (accumulator.kind == ValueKind::Int) {
-                std::int64_t sum = accumulator.integer;
-                do {
-                    sum += at->integer;
-                    if (!FitsInt(sum)) {
-                        Fail(err, message::integerOverflow);
-                        return FailAtInstruction(*at, engine);
-                    }
-                } while ((++at)->action == Action::AddInt);
-                accumulator = Value::Int(static_cast<int>(sum));
-                continue;
-            }
-            [[fallthrough]];
-        case Action::CombineInt:
-            right = Value::Int(at->integer);
-            break;
-        case Action::CombineDouble:
-            right = Value::Double(at->number);
-            break;
-        case Action::CombineText:
-            if (accumulator.kind == ValueKind::Text && at->code <= OperatorCode::NotEqual) {
-                const OrvStringT left = OrvStringT::AdoptBuffer(accumulator.text);
-                accumulator = Value::Bool(
-                    CompareStrings(static_cast<EOperType>(at->code), left, ElementAccess::LiteralText(at->element)));
-                ++at;
-                continue;
-            }
-            right = LiteralText(*at);
-            break;
-        case Action::CombineCall:
-            right = NeedsOwner(accumulator) ? EvaluateBeside(accumulator, *at, engine, err)
-                                            : ElementAccess::CallValue(at->element, engine, err);
-            if (right.Failed()) {
-                return right;
-            }
-            break;
-        case Action::CombineElement:
-            right = EvaluateBeside(accumulator, *at, engine, err);
-            if (right.Failed()) {
-                return right;
-            }
-            break;
-
-        case Action::Push:
-            stack.Push(accumulator);
-            ++at;
-            continue;
-        case Action::CombinePushed:
-            right = accumulator;
-            accumulator = stack.Pop();
-            break;
-
-        case Action::And:
-        case Action::Or: {
-            bool truth = false;
-            if (!Decide(*at, accumulator, truth, engine, err)) {
-                return FailAtInstruction(*at, engine);
-            }
-            if (truth == (at->action == Action::And)) {
-                ++at;
-            } else {
-                accumulator = Value::Bool(truth);
-                at = code + at->target;
-            }
-            continue;
+        } else if (instruction.kind == ElementKind::Method) {
+            return ElementAccess::CallValue(instruction.element, engine, frame.err);
         }
-        case Action::Truth: {
-            bool truth = false;
-            if (!Decide(*at, accumulator, truth, engine, err)) {
-                return FailAtInstruction(*at, engine);
-            }
-            accumulator = Value::Bool(truth);
-            ++at;
-            continue;
-        }
-        case Action::BranchIfFalse: {
-            bool truth = false;
-            if (!Decide(*at, accumulator, truth, engine, err)) {
-                return FailAtInstruction(*at, engine);
-            }
-            at = truth ? at + 1 : code + at->target;
-            continue;
-        }
-        case Action::Jump:
-            at = code + at->target;
-            continue;
-
-        case Action::Not: {
-            bool truth = false;
-            if (!Decide(*at, accumulator, truth, engine, err)) {
-                return FailAtInstruction(*at, engine);
-            }
-            accumulator = Value::Bool(!truth);
-            ++at;
-            continue;
-        }
-        case Action::Sign:
-            accumulator = ApplySign(*at, accumulator, engine, err);
-            if (accumulator.Failed()) {
-                return FailAtInstruction(*at, engine);
-            }
-            ++at;
-            continue;
-        case Action::Fail:
-            Dispose(accumulator);
-            return FailAtInstruction(*at, engine);
-        case Action::End:
-            return accumulator;
-        default:
-            ORVUQL_UNREACHABLE();
-        }
-
-        Value result = CombineNumbers(at->code, accumulator, right, err);
-        if (result.kind == noShortWay) {
-            result = CombineOthers(*at, accumulator, right, engine, err);
-        }
-        if (result.Failed()) {
-            return FailAtInstruction(*at, engine);
-        }
-        accumulator = result;
-        ++at;
     }
+    return Value::Object(ElementAccess::EvaluateObject(instruction.element, instruction.kind, engine, frame.err));
 }
 
 } // namespace
 
-Value Program::Run(QueryEngine* engine, IError** err) const {
-    return depth == 0 ? RunCode<NothingPutAside>(Code(), depth, engine, err)
-                      : RunCode<PutAside>(Code(), depth, engine, err);
+// The instruction that follows is found by a jump of each instruction's own, not by one for all: so the processor
+// learns what follows what. Where the compiler has no such jumps, a loop around a switch does.
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic"
+#define ORVUQL_PLACE(name) &&name,
+#define ORVUQL_START()                                                                                                 \
+    static const void* const places[] = {ORVUQL_ACTIONS(ORVUQL_PLACE)};                                                \
+    ORVUQL_NEXT();
+#define ORVUQL_ON(name)                                                                                                \
+    name:
+#define ORVUQL_NEXT() goto* places[static_cast<std::size_t>(at->action)]
+#define ORVUQL_FINISH()
+#else
+#define ORVUQL_START()                                                                                                 \
+    for (;;) {                                                                                                         \
+        switch (at->action) {
+#define ORVUQL_ON(name) case Action::name:
+#define ORVUQL_NEXT() continue
+#define ORVUQL_FINISH()                                                                                                \
+    }                                                                                                                  \
+    }
+#endif
+
+Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame) {
+    Value accumulator = Value::None(); // without an owner: whoever is handed it disposes of it
+    Value right = Value::None();
+    ORVUQL_START()
+    ORVUQL_ON(LoadInt)
+    accumulator = Value::Int(at->integer);
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(LoadDouble)
+    accumulator = Value::Double(at->number);
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(LoadBool)
+    accumulator = Value::Bool(at->boolean);
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(LoadNull)
+    accumulator = Value::Null();
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(LoadText)
+    accumulator = LiteralText(*at);
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(LoadRead)
+    accumulator = ElementAccess::ReadValue(at->element, engine, frame.err);
+    if (accumulator.Failed()) {
+        return accumulator;
+    }
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(LoadItem)
+    accumulator = ElementAccess::ItemValue(at->element, engine, frame.err);
+    if (accumulator.Failed()) {
+        return accumulator;
+    }
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(LoadLast)
+    accumulator = ElementAccess::LastValue(at->element, engine, frame.err);
+    if (accumulator.Failed()) {
+        return accumulator;
+    }
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(LoadCall)
+    accumulator = ElementAccess::CallValue(at->element, engine, frame.err);
+    if (accumulator.Failed()) {
+        return accumulator;
+    }
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(LoadElement)
+    accumulator = Unbox(ElementAccess::EvaluateObject(at->element, at->kind, engine, frame.err));
+    if (accumulator.Failed()) {
+        return accumulator;
+    }
+    ++at;
+    ORVUQL_NEXT();
+
+    ORVUQL_ON(LoadResult)
+    accumulator = LoadResult(*at, engine, frame);
+    if (accumulator.Failed()) {
+        return accumulator;
+    }
+    ++at;
+    ORVUQL_NEXT();
+
+    ORVUQL_ON(AddInt)
+    if (accumulator.kind == ValueKind::Int) {
+        std::int64_t sum = accumulator.integer;
+        do {
+            sum += at->integer;
+            if (!FitsInt(sum)) {
+                Fail(frame.err, message::integerOverflow);
+                return FailAtInstruction(*at, engine);
+            }
+        } while ((++at)->action == Action::AddInt);
+        accumulator = Value::Int(static_cast<int>(sum));
+        ORVUQL_NEXT();
+    }
+    right = Value::Int(at->integer);
+    goto combine;
+    ORVUQL_ON(SubtractInt)
+    if (accumulator.kind == ValueKind::Int) {
+        accumulator = SubtractInts(accumulator.integer, at->integer, frame.err);
+        if (accumulator.Failed()) {
+            return FailAtInstruction(*at, engine);
+        }
+        ++at;
+        ORVUQL_NEXT();
+    }
+    right = Value::Int(at->integer);
+    goto combine;
+    ORVUQL_ON(MultiplyInt)
+    if (accumulator.kind == ValueKind::Int) {
+        accumulator = MultiplyInts(accumulator.integer, at->integer);
+        ++at;
+        ORVUQL_NEXT();
+    }
+    right = Value::Int(at->integer);
+    goto combine;
+    ORVUQL_ON(DivideInt)
+    if (accumulator.kind == ValueKind::Int) {
+        accumulator = Value::Double(static_cast<double>(accumulator.integer) / at->integer);
+        ++at;
+        ORVUQL_NEXT();
+    }
+    right = Value::Int(at->integer);
+    goto combine;
+    ORVUQL_ON(CombineInt)
+    right = Value::Int(at->integer);
+    goto combine;
+    ORVUQL_ON(CombineDouble)
+    right = Value::Double(at->number);
+    goto combine;
+    ORVUQL_ON(CombineText)
+    if (accumulator.kind == ValueKind::Text && at->code <= OperatorCode::NotEqual) {
+        accumulator = CompareWithLiteral(*at, accumulator);
+        ++at;
+        ORVUQL_NEXT();
+    }
+    right = LiteralText(*at);
+    goto combine;
+    ORVUQL_ON(CombineRead)
+    right = NeedsOwner(accumulator) ? EvaluateBeside(accumulator, *at, engine, frame.err)
+                                    : ElementAccess::ReadValue(at->element, engine, frame.err);
+    if (right.Failed()) {
+        return right;
+    }
+    goto combine;
+    ORVUQL_ON(CombineItem)
+    right = NeedsOwner(accumulator) ? EvaluateBeside(accumulator, *at, engine, frame.err)
+                                    : ElementAccess::ItemValue(at->element, engine, frame.err);
+    if (right.Failed()) {
+        return right;
+    }
+    goto combine;
+    ORVUQL_ON(CombineCall)
+    right = NeedsOwner(accumulator) ? EvaluateBeside(accumulator, *at, engine, frame.err)
+                                    : ElementAccess::CallValue(at->element, engine, frame.err);
+    if (right.Failed()) {
+        return right;
+    }
+    goto combine;
+    ORVUQL_ON(CombineElement)
+    right = EvaluateBeside(accumulator, *at, engine, frame.err);
+    if (right.Failed()) {
+        return right;
+    }
+    goto combine;
+
+    ORVUQL_ON(Push)
+    frame.Push(accumulator);
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(CombinePushed)
+    right = accumulator;
+    accumulator = frame.Pop();
+    goto combine;
+
+    ORVUQL_ON(And)
+    if (!BecomeTruth(*at, accumulator, engine, frame)) {
+        return accumulator;
+    }
+    at += accumulator.boolean ? 1 : at->distance;
+    ORVUQL_NEXT();
+    ORVUQL_ON(Or)
+    if (!BecomeTruth(*at, accumulator, engine, frame)) {
+        return accumulator;
+    }
+    at += accumulator.boolean ? at->distance : 1;
+    ORVUQL_NEXT();
+    ORVUQL_ON(Truth)
+    if (!BecomeTruth(*at, accumulator, engine, frame)) {
+        return accumulator;
+    }
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(BranchIfFalse)
+    if (!BecomeTruth(*at, accumulator, engine, frame)) {
+        return accumulator;
+    }
+    at += accumulator.boolean ? 1 : at->distance;
+    ORVUQL_NEXT();
+    ORVUQL_ON(Not)
+    if (!BecomeTruth(*at, accumulator, engine, frame)) {
+        return accumulator;
+    }
+    accumulator = Value::Bool(!accumulator.boolean);
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(Jump)
+    at += at->distance;
+    ORVUQL_NEXT();
+
+    ORVUQL_ON(Sign)
+    accumulator = ApplySign(*at, accumulator, engine, frame.err);
+    if (accumulator.Failed()) {
+        return FailAtInstruction(*at, engine);
+    }
+    ++at;
+    ORVUQL_NEXT();
+    ORVUQL_ON(Fail)
+    Dispose(accumulator);
+    return FailAtInstruction(*at, engine);
+    ORVUQL_ON(End)
+    return accumulator;
+combine : {
+    Value result = CombineNumbers(at->code, accumulator, right, frame.err);
+    if (result.kind == noShortWay) {
+        result = CombineOthers(*at, accumulator, right, engine, frame.err);
+    }
+    if (result.Failed()) {
+        return FailAtInstruction(*at, engine);
+    }
+    accumulator = result;
+    ++at;
+    ORVUQL_NEXT();
+}
+    ORVUQL_FINISH()
+}
+
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+Value Program::RunDeep(QueryEngine* engine, bool wantsObject, IError** err) const {
+    const std::unique_ptr<Value[]> room(new Value[depth]);
+    Frame frame(room.get(), wantsObject, err);
+    return RunProgram(Code(), engine, frame);
 }
 
 } // namespace OrvUQL::detail

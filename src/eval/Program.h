@@ -5,19 +5,19 @@
 //
 // There is one accumulator. The program of `(@a + 1) * @b - @c / 2`:
 //
-//     LoadCall      @a
-//     CombineInt    + 1
-//     CombineCall   * @b
+//     LoadRead      @a
+//     AddInt        1
+//     CombineRead   * @b
 //     Push
-//     LoadCall      @c
-//     CombineInt    / 2
+//     LoadRead      @c
+//     DivideInt     2
 //     CombinePushed -
 //     End
 #pragma once
 
 #include "OrvUQL/QueryElement.h"
 
-#include "core/Value.h"
+#include "core/Frame.h"
 #include "eval/OperatorCode.h"
 
 #include <cstddef>
@@ -25,39 +25,55 @@
 
 namespace OrvUQL::detail {
 
+/// The instructions. `ACTION` is applied to each name, in the order of their numbers.
+#define ORVUQL_ACTIONS(ACTION)                                                                                         \
+    /* The accumulator becomes the operand: a literal, of which a text's operand is the element, */                    \
+    ACTION(LoadInt)                                                                                                    \
+    ACTION(LoadDouble)                                                                                                 \
+    ACTION(LoadBool)                                                                                                   \
+    ACTION(LoadNull)                                                                                                   \
+    ACTION(LoadText)                                                                                                   \
+    /* an ElementMethod without parent and arguments, one of them "$item" or "$lasteval", any other ElementMethod, */  \
+    ACTION(LoadRead)                                                                                                   \
+    ACTION(LoadItem)                                                                                                   \
+    ACTION(LoadLast)                                                                                                   \
+    ACTION(LoadCall)                                                                                                   \
+    /* any other element, and any whose value is the program's: its very object where one is wanted. */                \
+    ACTION(LoadElement)                                                                                                \
+    ACTION(LoadResult)                                                                                                 \
+    /* The accumulator is the left operand of a binary operator. The first four are CombineInt for one operator; a */  \
+    /* sum of many is a run of AddInt, and DivideInt is never by 0. */                                                 \
+    ACTION(AddInt)                                                                                                     \
+    ACTION(SubtractInt)                                                                                                \
+    ACTION(MultiplyInt)                                                                                                \
+    ACTION(DivideInt)                                                                                                  \
+    ACTION(CombineInt)                                                                                                 \
+    ACTION(CombineDouble)                                                                                              \
+    ACTION(CombineText)                                                                                                \
+    ACTION(CombineRead)                                                                                                \
+    ACTION(CombineItem)                                                                                                \
+    ACTION(CombineCall)                                                                                                \
+    ACTION(CombineElement)                                                                                             \
+    /* The accumulator is put aside; and becomes the right operand of what was put aside last. */                      \
+    ACTION(Push)                                                                                                       \
+    ACTION(CombinePushed)                                                                                              \
+    /* Logic. The accumulator becomes its truth, and fails where it has none. False is the result of And, true that */ \
+    /* of Or: then, and where BranchIfFalse finds it false, the program jumps. */                                      \
+    ACTION(And)                                                                                                        \
+    ACTION(Or)                                                                                                         \
+    ACTION(Truth)                                                                                                      \
+    ACTION(BranchIfFalse)                                                                                              \
+    ACTION(Not)                                                                                                        \
+    ACTION(Jump)                                                                                                       \
+    ACTION(Sign)                                                                                                       \
+    /* An operator whose text means nothing. */                                                                        \
+    ACTION(Fail)                                                                                                       \
+    ACTION(End)
+
 enum class Action : std::uint8_t {
-    // The accumulator becomes the operand.
-    LoadInt,
-    LoadDouble,
-    LoadBool,
-    LoadNull,
-    LoadText,    ///< a literal, which is the operand's element
-    LoadCall,    ///< the operand is an ElementMethod
-    LoadElement, ///< any other element
-    LoadResult,  ///< any element, whose object is the program's result as it is
-
-    // The accumulator is the left operand of a binary operator.
-    AddInt, ///< as CombineInt, for "+": a sum of many is a run of these
-    CombineInt,
-    CombineDouble,
-    CombineText,
-    CombineCall,
-    CombineElement,
-
-    Push,          ///< the accumulator is put aside
-    CombinePushed, ///< the value put aside last is the left operand, the accumulator the right one
-
-    // Logic. The truth of the accumulator decides; it fails where it has none.
-    And,   ///< a false value is the result: the program goes on at the target, else with the next instruction
-    Or,    ///< likewise for a true value
-    Truth, ///< the accumulator becomes its truth
-    BranchIfFalse,
-    Jump, ///< goes on at the target
-
-    Not,
-    Sign,
-    Fail, ///< an operator whose text means nothing
-    End,
+#define ORVUQL_ACTION(name) name,
+    ORVUQL_ACTIONS(ORVUQL_ACTION)
+#undef ORVUQL_ACTION
 };
 
 struct Instruction {
@@ -70,7 +86,7 @@ struct Instruction {
         std::int32_t integer;
         double number;
         const IQueryElement* element; ///< borrowed from the tree
-        std::size_t target;           ///< the number of an instruction
+        std::ptrdiff_t distance;      ///< of a jump, in instructions
     };
 };
 
@@ -82,8 +98,18 @@ public:
 
     static void Destroy(const Program* program) noexcept;
 
-    /// The value, or none with the position of the failing element noted. May throw.
-    Value Run(QueryEngine* engine, IError** err) const;
+    /// The value, or none with the position of the failing element noted. Where the tree's value is that of an element
+    /// which is no operator, `wantsObject` tells whether it has to be that element's object. May throw.
+    Value Run(QueryEngine* engine, bool wantsObject, IError** err) const {
+        if (depth > Frame::nearDepth) [[unlikely]] {
+            return RunDeep(engine, wantsObject, err);
+        }
+        Frame frame(wantsObject, err);
+        return RunProgram(Code(), engine, frame);
+    }
+
+    /// What RunProgram() runs, where a plain frame has room enough; else null.
+    const Instruction* PlainCode() const noexcept { return depth > Frame::nearDepth ? nullptr : Code(); }
 
 private:
     std::size_t count; // of instructions, which stand behind this
@@ -95,6 +121,7 @@ private:
     static std::size_t ByteSize(std::size_t instructionCount) noexcept {
         return sizeof(Program) + instructionCount * sizeof(Instruction);
     }
+    Value RunDeep(QueryEngine* engine, bool wantsObject, IError** err) const;
     const Instruction* Code() const noexcept { return reinterpret_cast<const Instruction*>(this + 1); }
 };
 

@@ -3,6 +3,7 @@
 
 #include "eval/ElementAccess.h"
 #include "eval/Program.h"
+#include "platform/CaseMap.h"
 #include "platform/Pool.h"
 
 #include <algorithm>
@@ -86,7 +87,7 @@ private:
         return code.size() - 1;
     }
 
-    void JumpHere(std::size_t at) noexcept { code[at].target = code.size(); }
+    void JumpHere(std::size_t at) noexcept { code[at].distance = static_cast<std::ptrdiff_t>(code.size() - at); }
 
     void Do(const Task& task) {
         switch (task.step) {
@@ -105,7 +106,10 @@ private:
                  ElementAccess::CodeOf(static_cast<const OperatorBinary*>(task.element)));
             break;
         case Step::EndOfLogic:
-            Emit(Action::Truth, task.element);
+            if (const OperatorBinary* const node = static_cast<const OperatorBinary*>(task.element);
+                !GivesBool(node->GetRight(), ElementAccess::ChildKind(node, 1))) {
+                Emit(Action::Truth, task.element);
+            }
             JumpHere(task.at);
             break;
         case Step::Unary:
@@ -128,6 +132,37 @@ private:
         }
     }
 
+    /// Whether an operator's value is a bool if it has one.
+    static bool GivesBool(const IQueryElement* element, ElementKind kind) noexcept {
+        if (kind == ElementKind::Binary) { // comparisons, "and", "or"
+            return ElementAccess::CodeOf(static_cast<const OperatorBinary*>(element)) <= OperatorCode::Or;
+        }
+        return kind == ElementKind::Unary &&
+               ElementAccess::CodeOf(static_cast<const OperatorUnary*>(element)) == OperatorCode::Not;
+    }
+
+    static Action ActionOfCall(const IQueryElement* element) noexcept {
+        if (!ElementAccess::IsRead(element)) {
+            return Action::LoadCall;
+        }
+        const std::wstring_view name = ElementAccess::VariableName(element);
+        if (platform::EqualsIgnoreCaseAscii(name, L"item")) {
+            return Action::LoadItem;
+        }
+        return platform::EqualsIgnoreCaseAscii(name, L"lasteval") ? Action::LoadLast : Action::LoadRead;
+    }
+
+    static Action CombiningActionOfCall(const IQueryElement* element) noexcept {
+        switch (ActionOfCall(element)) {
+        case Action::LoadCall:
+            return Action::CombineCall;
+        case Action::LoadItem:
+            return Action::CombineItem;
+        default:
+            return Action::CombineRead;
+        }
+    }
+
     static Step VisitBranch(bool isResult) noexcept { return isResult ? Step::VisitResult : Step::Visit; }
 
     void Visit(const IQueryElement* element, ElementKind kind, bool isResult) {
@@ -140,7 +175,7 @@ private:
             }
             break;
         case ElementKind::Method:
-            Load(isResult ? Action::LoadResult : Action::LoadCall, element, kind);
+            Load(isResult ? Action::LoadResult : ActionOfCall(element), element, kind);
             break;
         case ElementKind::Binary: {
             const OperatorBinary* const node = static_cast<const OperatorBinary*>(element);
@@ -204,6 +239,21 @@ private:
         }
     }
 
+    static Action ActionWithInt(OperatorCode operatorCode, const IQueryElement* literal) noexcept {
+        switch (operatorCode) {
+        case OperatorCode::Plus:
+            return Action::AddInt;
+        case OperatorCode::Minus:
+            return Action::SubtractInt;
+        case OperatorCode::Multiply:
+            return Action::MultiplyInt;
+        case OperatorCode::Divide: // by zero is for the rule to refuse
+            return ElementAccess::LiteralScalar(literal).integer == 0 ? Action::CombineInt : Action::DivideInt;
+        default:
+            return Action::CombineInt;
+        }
+    }
+
     void AddOperand(const OperatorBinary* node) {
         const OperatorCode operatorCode = ElementAccess::CodeOf(node);
         const IQueryElement* const right = node->GetRight();
@@ -224,7 +274,7 @@ private:
             Later(Step::Visit, right, kind);
             return;
         case ElementKind::Method:
-            Emit(Action::CombineCall, node, operatorCode).element = right;
+            Emit(CombiningActionOfCall(right), node, operatorCode).element = right;
             return;
         default:
             break;
@@ -233,8 +283,7 @@ private:
         instruction.kind = kind;
         instruction.element = right;
         if (kind == ElementKind::Object) {
-            if (TakeNumber(instruction, right, operatorCode == OperatorCode::Plus ? Action::AddInt : Action::CombineInt,
-                           Action::CombineDouble)) {
+            if (TakeNumber(instruction, right, ActionWithInt(operatorCode, right), Action::CombineDouble)) {
                 return;
             }
             if (ElementAccess::LiteralKind(right) == ValueKind::Text) {

@@ -4,6 +4,7 @@
 #include "core/Failure.h"
 #include "eval/Arithmetic.h"
 #include "eval/Comparison.h"
+#include "eval/ElementAccess.h"
 #include "eval/UnitOperands.h"
 
 namespace OrvUQL {
@@ -13,8 +14,12 @@ namespace {
 /// Releases first and takes the reference then, as hosts have come to expect: setting the slot's only owner's object
 /// again destroys it.
 void SetSlot(IObject*& slot, IObject* object) {
-    QueryEngine::ReleaseObject(slot);
-    QueryEngine::AddRefObject(object);
+    if (IObject* const old = std::exchange(slot, nullptr)) {
+        old->Release();
+    }
+    if (object != nullptr) {
+        object->AddRef();
+    }
     slot = object;
 }
 
@@ -68,6 +73,97 @@ IObject* QueryEngine::Evaluate(IQueryElement* element, IError** err) {
         errorPosition = element->GetStringPosition();
     }
     return value;
+}
+
+namespace {
+
+// What is already what the host wants, which most results are.
+
+bool TakeExactly(const detail::Value& value, bool& out) noexcept {
+    if (value.kind != detail::ValueKind::Bool) {
+        return false;
+    }
+    out = value.boolean;
+    return true;
+}
+
+bool TakeExactly(const detail::Value& value, int& out) noexcept {
+    if (value.kind != detail::ValueKind::Int) {
+        return false;
+    }
+    out = value.integer;
+    return true;
+}
+
+bool TakeExactly(const detail::Value& value, double& out) noexcept {
+    if (value.kind == detail::ValueKind::Double) {
+        out = value.number;
+        return true;
+    }
+    if (value.kind == detail::ValueKind::Int) {
+        out = value.integer;
+        return true;
+    }
+    return false;
+}
+
+bool TakeExactly(const detail::Value& value, OrvStringT& out) noexcept {
+    if (value.kind == detail::ValueKind::Text) {
+        out = OrvStringT::AdoptBuffer(value.text);
+        return true;
+    }
+    return false;
+}
+
+bool ConvertTo(const detail::Value& value, bool& out, IError** err) { return detail::ToBool(value, out, err); }
+bool ConvertTo(const detail::Value& value, int& out, IError** err) { return detail::ToInt(value, out, err); }
+bool ConvertTo(const detail::Value& value, double& out, IError** err) { return detail::ToDouble(value, out, err); }
+bool ConvertTo(const detail::Value& value, OrvStringT& out, IError** err) {
+    return value.kind == detail::ValueKind::Object ? value.object->ToString(out, err)
+                                                   : detail::AppendText(out, value, err);
+}
+
+} // namespace
+
+template <class Out> bool QueryEngine::EvaluateAs(IQueryElement* element, Out& out, IError** err) {
+    errorPosition = -1;
+    return Guarded(err,
+                   [&] {
+                       const detail::Value value = detail::EvaluateRootValue(element, this, err);
+                       if (value.Failed()) {
+                           return false;
+                       }
+                       errorPosition = -1;
+                       return TakeExactly(value, out) || ConvertAs(value, out, err);
+                   }) ||
+           FailAtRoot(element);
+}
+
+/// Takes the value over.
+template <class Out> ORVUQL_NOINLINE bool QueryEngine::ConvertAs(detail::Value value, Out& out, IError** err) {
+    const detail::ValueHolder holder(value);
+    Out converted{};
+    if (!ConvertTo(value, converted, err)) {
+        return false;
+    }
+    out = std::move(converted);
+    return true;
+}
+
+bool QueryEngine::FailAtRoot(const IQueryElement* element) noexcept {
+    if (errorPosition < 0) {
+        errorPosition = element->GetStringPosition();
+    }
+    return false;
+}
+
+bool QueryEngine::EvaluateTo(IQueryElement* element, bool& out, IError** err) { return EvaluateAs(element, out, err); }
+bool QueryEngine::EvaluateTo(IQueryElement* element, int& out, IError** err) { return EvaluateAs(element, out, err); }
+bool QueryEngine::EvaluateTo(IQueryElement* element, double& out, IError** err) {
+    return EvaluateAs(element, out, err);
+}
+bool QueryEngine::EvaluateTo(IQueryElement* element, OrvStringT& out, IError** err) {
+    return EvaluateAs(element, out, err);
 }
 
 void QueryEngine::SetGlobal(IObject* object) { SetSlot(global, object); }

@@ -13,52 +13,101 @@ IObject* ObjectArrayBase::Method_ForEach(QueryEngine* engine, const OrvStringT&,
                                          IError** err) {
     const IQueryElement* const expression = GetQueryElement(params[1]);
     params[0]->AddRef();
-    detail::ValueHolder result(detail::Value::Object(params[0]));
-    if (expression == nullptr || GetCount() == 0) {
-        return detail::Box(result.Detach());
-    }
-    detail::ItemEvaluation evaluation(engine, expression, params[2]);
-    for (int index = 0; !result.Failed() && index < GetCount(); ++index) {
-        if (IObject* const item = GetItem(index)) {
-            result.Reset(evaluation.Evaluate(result.Detach(), item, index + 1, err));
+    detail::Value result = detail::Value::Object(params[0]); // without an owner: in registers
+    if (expression != nullptr) {
+        const detail::ItemSource items(*this);
+        detail::ItemEvaluation evaluation(engine, expression, params[2], err);
+        for (int index = 0;; ++index) {
+            IObject* item = nullptr;
+            try {
+                if (index >= items.Count()) {
+                    break;
+                }
+                item = items.Item(index);
+            } catch (...) { // of a host's array
+                const detail::ValueHolder disposed(result);
+                throw;
+            }
+            if (item == nullptr) {
+                continue;
+            }
+            result = evaluation.Evaluate(result, item, index + 1);
+            if (result.Failed()) {
+                return nullptr;
+            }
         }
     }
-    return detail::Box(result.Detach());
+    return detail::Box(result);
 }
 
-/// Filter keeps the items for which the expression is true, Convert the expression's values.
-IObject* ObjectArrayBase::Method_FilterConvert(QueryEngine* engine, const OrvStringT& name, const ObjectList& params,
-                                               IError** err) {
-    const IQueryElement* const expression = GetQueryElement(params[0]);
-    if (expression == nullptr) {
-        return nullptr;
+namespace {
+
+/// The truth of an expression's value, which is taken over. False on failure.
+bool TakeTruth(detail::Value value, bool& truth, IError** err) {
+    if (value.kind == detail::ValueKind::Bool) [[likely]] {
+        truth = value.boolean;
+        return true;
     }
-    const bool isFilter = platform::EqualsIgnoreCase(name, L"filter");
-    detail::ItemEvaluation evaluation(engine, expression, params[1]);
-    ObjectList list;
-    for (int index = 0; index < GetCount(); ++index) {
-        Reference<IObject> item(GetItem(index));
+    const detail::ValueHolder holder(value);
+    return !value.Failed() && detail::ToBool(value, truth, err);
+}
+
+/// The items for which the expression is true.
+bool Filter(const detail::ItemSource& items, detail::ItemEvaluation& evaluation, ObjectList& list, IError** err) {
+    for (int index = 0; index < items.Count(); ++index) {
+        Reference<IObject> item(items.Item(index));
         if (!item) {
             continue;
         }
         item->AddRef();
-        detail::ValueHolder value(evaluation.Evaluate(detail::Value::Null(), item.Get(), index + 1, err));
-        if (value.Failed()) {
-            return nullptr;
-        }
-        bool keep = true;
-        if (isFilter && !detail::ToBool(value.Get(), keep, err)) {
-            return nullptr;
-        }
-        if (!isFilter) {
-            item.Reset(detail::Box(value.Detach()));
+        bool keep = false;
+        if (!TakeTruth(evaluation.Evaluate(detail::Value::Null(), item.Get(), index + 1), keep, err)) {
+            return false;
         }
         if (keep) {
             list.push_back(item.Get());
             item.Detach();
         }
     }
-    return new ObjectArray(std::move(list));
+    return true;
+}
+
+/// The expression's values.
+bool Convert(const detail::ItemSource& items, detail::ItemEvaluation& evaluation, ObjectList& list) {
+    if (items.IsFixed()) {
+        list.reserve(static_cast<std::size_t>(items.Count()));
+    }
+    for (int index = 0; index < items.Count(); ++index) {
+        IObject* const item = items.Item(index);
+        if (item == nullptr) {
+            continue;
+        }
+        item->AddRef();
+        const Reference<IObject> held(item);
+        Reference<IObject> value(detail::Box(evaluation.Evaluate(detail::Value::Null(), item, index + 1)));
+        if (!value) {
+            return false;
+        }
+        list.push_back(value.Get());
+        value.Detach();
+    }
+    return true;
+}
+
+} // namespace
+
+IObject* ObjectArrayBase::Method_FilterConvert(QueryEngine* engine, const OrvStringT& name, const ObjectList& params,
+                                               IError** err) {
+    const IQueryElement* const expression = GetQueryElement(params[0]);
+    if (expression == nullptr) {
+        return nullptr;
+    }
+    const detail::ItemSource items(*this);
+    detail::ItemEvaluation evaluation(engine, expression, params[1], err);
+    ObjectList list;
+    const bool succeeded = platform::EqualsIgnoreCase(name, L"filter") ? Filter(items, evaluation, list, err)
+                                                                       : Convert(items, evaluation, list);
+    return succeeded ? new ObjectArray(std::move(list)) : nullptr;
 }
 
 /// Whether the expression is true for some item; the items after that one are not looked at.
@@ -68,14 +117,15 @@ IObject* ObjectArrayBase::Method_Contains(QueryEngine* engine, const OrvStringT&
     if (expression == nullptr) {
         return nullptr;
     }
-    detail::ItemEvaluation evaluation(engine, expression, params[1]);
+    detail::ItemEvaluation evaluation(engine, expression, params[1], err);
+    const detail::ItemSource items(*this);
     bool found = false;
-    for (int index = 0; index < GetCount() && !found; ++index) {
-        IObject* const item = GetItem(index);
+    for (int index = 0; index < items.Count() && !found; ++index) {
+        IObject* const item = items.Item(index);
         if (item == nullptr) {
             continue;
         }
-        const detail::ValueHolder value(evaluation.Evaluate(detail::Value::Null(), item, index + 1, err));
+        const detail::ValueHolder value(evaluation.Evaluate(detail::Value::Null(), item, index + 1));
         if (value.Failed() || !detail::ToBool(value.Get(), found, err)) {
             return nullptr;
         }

@@ -2,10 +2,6 @@
 
 #include "OrvUQL/Scalars.h"
 
-#include "core/CountAccess.h"
-#include "core/EngineAccess.h"
-#include "values/IteratorAccess.h"
-
 namespace OrvUQL::detail {
 
 namespace {
@@ -20,39 +16,41 @@ Reference<IObject> ShareOrNull(IObject* object) {
 
 } // namespace
 
-ItemEvaluation::ItemEvaluation(QueryEngine* queryEngine, const IQueryElement* element, IObject* userData)
-    : engine(queryEngine), expression(element), kind(KindOfElement(element)), data(ShareOrNull(userData)) {}
+ItemEvaluation::ItemEvaluation(QueryEngine* queryEngine, const IQueryElement* element, IObject* userData, IError** err)
+    : engine(queryEngine), expression(element, queryEngine, err), data(ShareOrNull(userData)) {}
 
-ItemEvaluation::~ItemEvaluation() = default;
+ItemEvaluation::~ItemEvaluation() { DropIterator(); }
 
-Value ItemEvaluation::Evaluate(Value lasteval, IObject* item, int position, IError** err) {
+/// Where memory ends, the values for it are disposed of.
+void ItemEvaluation::MakeIterator(const Value& lasteval, IObject* item) {
     ValueHolder heldLast(lasteval);
     Reference<IObject> heldItem(item);
-    if (!iterator) {
-        iterator.Reset(new ObjectIterator(nullptr, nullptr, nullptr, data.Get()));
-    }
-    IteratorAccess::Fill(iterator.Get(), heldLast.Detach(), heldItem.Detach(), position);
-    // What PushVariable() and PopVariable() do, without the stack: the variable that is put aside waits here.
-    ++CountAccess::Count(iterator.Get());
-    struct Pop { // before anything else can ask for the variable: the array, or the value's conversion
-        QueryEngine* engine;
-        IObject* outer;
-        Reference<ObjectIterator>& iterator;
-        ~Pop() {
-            IObject* const inner = EngineAccess::ExchangeVariable(engine, outer);
-            if (inner == iterator.Get()) {
-                --CountAccess::Count(iterator.Get());
-            } else if (inner != nullptr) {
-                inner->Release(); // a host set another one
-            }
-            if (CountAccess::Count(iterator.Get()) != 1) {
-                iterator.Reset(nullptr); // somebody kept it, and it stays as it is
-                return;
-            }
-            IteratorAccess::Empty(iterator.Get());
+    iterator = new ObjectIterator(nullptr, nullptr, nullptr, data.Get());
+    iterator->AddRef();
+    heldLast.Detach();
+    heldItem.Detach();
+}
+
+/// After an expression that kept the iterator, or in which a host set another variable, which is `inner`.
+void ItemEvaluation::TakeBack(IObject* inner) noexcept {
+    if (inner != iterator) {
+        iterator->AddRef(); // the engine has released the one that was lent
+        if (inner != nullptr) {
+            inner->Release();
         }
-    } pop{engine, EngineAccess::ExchangeVariable(engine, iterator.Get()), iterator};
-    return EvaluateArgumentValue(expression, kind, engine, err);
+    }
+    if (CountAccess::Count(iterator) == ownReferences) {
+        IteratorAccess::Empty(iterator);
+    } else {
+        DropIterator(); // whoever kept it finds it as it is
+    }
+}
+
+void ItemEvaluation::DropIterator() noexcept {
+    if (ObjectIterator* const dropped = std::exchange(iterator, nullptr)) {
+        --CountAccess::Count(dropped);
+        dropped->Release();
+    }
 }
 
 } // namespace OrvUQL::detail

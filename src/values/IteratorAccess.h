@@ -2,40 +2,44 @@
 #pragma once
 
 #include "OrvUQL/ObjectIterator.h"
+#include "OrvUQL/Scalars.h"
 
 #include "core/Value.h"
 
+#include <typeinfo>
 #include <utility>
 
 namespace OrvUQL::detail {
 
 struct IteratorAccess {
-    /// Fills an iterator whose fields, but for the data, are empty. The values are taken over.
+    /// Fills an iterator whose fields, but for the data, are empty. The values are taken over. May throw.
     static void Fill(ObjectIterator* iterator, Value lasteval, IObject* item, int position) {
         iterator->item = item;
         iterator->position = position;
-        switch (lasteval.kind) {
-        case ValueKind::Null:
-            iterator->lastKind = IObject::TypeNull;
-            break;
-        case ValueKind::Int:
-            iterator->lastKind = IObject::TypeInt;
+        iterator->lastKind = static_cast<std::int32_t>(lasteval.kind);
+        if (lasteval.kind == ValueKind::Int) {
             iterator->last.integer = lasteval.integer;
-            break;
-        case ValueKind::Double:
-            iterator->lastKind = IObject::TypeDouble;
-            iterator->last.number = lasteval.number;
-            break;
-        default:
-            iterator->lasteval = Box(lasteval);
+            return;
         }
+        if (lasteval.kind == ValueKind::Double) {
+            iterator->last.number = lasteval.number;
+            return;
+        }
+        if (lasteval.kind == ValueKind::Null) {
+            return;
+        }
+        iterator->lasteval = Box(lasteval);
     }
 
     /// Empties the fields, but for the data.
     static void Empty(ObjectIterator* iterator) {
-        ReleaseField(iterator->lasteval);
+        if (iterator->lasteval != nullptr) {
+            ReleaseField(iterator->lasteval);
+        }
         ReleaseField(iterator->item);
-        ReleaseField(iterator->index);
+        if (iterator->index != nullptr) {
+            ReleaseField(iterator->index);
+        }
     }
 
     /// The last value while it has no object.
@@ -57,6 +61,15 @@ struct IteratorAccess {
                                                                        : UnboxShared(iterator->lasteval);
     }
     static Value Item(const ObjectIterator* iterator) noexcept { return UnboxShared(iterator->item); }
+    /// The same where the item is an int, else none.
+    static Value IntItem(const ObjectIterator* iterator) noexcept {
+        const IObject* const item = iterator->item;
+        if (item == nullptr || &typeid(*item) != &typeid(ObjectInt)) {
+            return Value::None();
+        }
+        const ObjectInt* const number = static_cast<const ObjectInt*>(item);
+        return number->ObjectBaseStaticImpl::IsStaticInstance() ? Value::None() : Value::Int(number->GetValue());
+    }
     static Value Index(const ObjectIterator* iterator) noexcept {
         return iterator->position > 0 ? Value::Int(iterator->position) : UnboxShared(iterator->index);
     }

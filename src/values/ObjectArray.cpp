@@ -7,6 +7,7 @@
 #include "core/Failure.h"
 #include "platform/CaseMap.h"
 #include "platform/Thread.h"
+#include "values/ItemEvaluation.h"
 
 #include <algorithm>
 #include <typeinfo>
@@ -171,17 +172,16 @@ IObject* ObjectArrayBase::Method_Join(QueryEngine*, const OrvStringT&, const Obj
         return nullptr;
     }
     OrvStringT text;
-    for (int index = 0; index < GetCount(); ++index) {
+    const detail::ItemSource items(*this);
+    for (int index = 0; index < items.Count(); ++index) {
         if (index > 0) {
             text += separator; // also before an empty slot
         }
-        const Reference<IObject> item(GetItem(index));
-        OrvStringT itemText;
-        if (item) {
-            if (!item->ToString(itemText, err)) {
+        if (IObject* const item = items.Item(index)) {
+            const detail::ValueHolder value(detail::Unbox(item));
+            if (!detail::AppendText(text, value.Get(), err)) {
                 return nullptr;
             }
-            text += itemText;
         }
     }
     return new ObjectString(std::move(text));
