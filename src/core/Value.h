@@ -18,13 +18,22 @@ public:
     bool Failed() const noexcept { return value.Failed(); }
     const Value* operator->() const noexcept { return &value; }
     const Value& Get() const noexcept { return value; }
-    Value Detach() noexcept { return std::exchange(value, Value::None()); }
+    /// Member by member: read in one piece, what was just written in two makes the processor wait.
+    Value Detach() noexcept {
+        Value taken;
+        taken.kind = std::exchange(value.kind, ValueKind::None);
+        taken.object = value.object;
+        return taken;
+    }
     void Reset(Value taken) noexcept {
         Dispose();
         value = taken;
     }
     /// The text of a value of kind Text, taken out of it.
-    OrvStringT TakeText() noexcept { return OrvStringT::AdoptBuffer(Detach().text); }
+    OrvStringT TakeText() noexcept {
+        value.kind = ValueKind::None;
+        return OrvStringT::AdoptBuffer(value.text);
+    }
 
 private:
     void Dispose() noexcept {

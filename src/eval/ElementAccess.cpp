@@ -73,14 +73,16 @@ template IObject* ElementAccess::EvaluateOperator(const OperatorBinary*, QueryEn
 template IObject* ElementAccess::EvaluateOperator(const OperatorTernary*, QueryEngine*, IError**);
 
 Value EvaluateRootValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
-    if (&typeid(*element) == &typeid(OperatorBinary)) { // as most are
+    // As most are.
+    if (&typeid(*element) == &typeid(OperatorBinary)) {
         return RunOperator(static_cast<const OperatorBinary*>(element), engine, false, err);
+    }
+    if (&typeid(*element) == &typeid(OperatorTernary)) {
+        return RunOperator(static_cast<const OperatorTernary*>(element), engine, false, err);
     }
     switch (ElementAccess::KindOf(element)) {
     case ElementKind::Unary:
         return RunOperator(static_cast<const OperatorUnary*>(element), engine, false, err);
-    case ElementKind::Ternary:
-        return RunOperator(static_cast<const OperatorTernary*>(element), engine, false, err);
     case ElementKind::Method:
         return ElementAccess::CallValue(element, engine, err);
     default:

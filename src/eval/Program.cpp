@@ -177,12 +177,12 @@ ORVUQL_NOINLINE Value EvaluateBeside(Value left, const Instruction& instruction,
 ORVUQL_NOINLINE Value LoadResult(const Instruction& instruction, QueryEngine* engine, const Frame& frame) {
     if (!frame.wantsObject) {
         if (instruction.kind == ElementKind::Object) {
+            if (ElementAccess::LiteralKind(instruction.element) == ValueKind::Text) {
+                return LiteralText(instruction);
+            }
             const Value scalar = ElementAccess::LiteralScalar(instruction.element);
             if (!scalar.Failed()) {
                 return scalar;
-            }
-            if (ElementAccess::LiteralKind(instruction.element) == ValueKind::Text) {
-                return LiteralText(instruction);
             }
         } else if (instruction.kind == ElementKind::Method) {
             return ElementAccess::CallValue(instruction.element, engine, frame.err);

@@ -113,18 +113,18 @@ const Parser::Level Parser::levels[] = {
 };
 
 Parser::Parser(QueryEngine* owner, const wchar_t* text, IError** errorSlot) noexcept
-    : engine(owner), err(errorSlot), cursor{0, text}, token{TokenEnd, {}} {}
+    : engine(owner), err(errorSlot), cursor{0, text} {}
 
 void Parser::MoveTo(int position) noexcept {
     cursor.position = position;
-    token = ReadToken(cursor);
+    ReadToken(cursor, token);
 }
 
 Parser::Element Parser::ReportUnexpected() {
     if (Is(TokenEnd)) {
         return Report(message::unexpectedEnd);
     }
-    return Report(message::unexpectedToken, token.text);
+    return Report(message::unexpectedToken, token.Text());
 }
 
 IQueryElement* Parser::Parse() {
@@ -214,7 +214,7 @@ Parser::Element Parser::ParsePrefixed(std::uint32_t prefixes, LevelNumber level)
     if (!Is(prefixes)) {
         return ParseChain(level);
     }
-    const OrvStringT op = OperatorText(token.text);
+    const OrvStringT op = OperatorText(token.Text());
     const int position = cursor.position;
     Advance();
     Element operand = ParseChain(level);
@@ -234,15 +234,15 @@ Parser::Element Parser::ParsePower() { return ParseChain(PowerLevel); }
 /// The operator at the cursor. A comparison takes a second character that belongs to it: "=" behind any, "<" and ">"
 /// behind any but "!". What they mean together is decided later; some of them mean nothing.
 OrvStringT Parser::ReadOperator() {
-    std::wstring_view text = token.text;
+    int size = token.size;
     if (Is(comparisonOperators)) {
-        const wchar_t second = text.data()[1];
+        const wchar_t second = token.begin[1];
         if (second == L'=' || (!Is(TokenNotEqual) && (second == L'<' || second == L'>'))) {
-            text = std::wstring_view(text.data(), 2);
+            size = 2;
         }
     }
-    OrvStringT op = OperatorText(text);
-    MoveTo(cursor.position + static_cast<int>(text.size()));
+    OrvStringT op = OperatorText(std::wstring_view(token.begin, static_cast<std::size_t>(size)));
+    MoveTo(cursor.position + size);
     return op;
 }
 

@@ -80,7 +80,7 @@ private:
     OrvStringT ReadOperator();
 
     /// Moves behind the token and looks at the next.
-    void Advance() noexcept { MoveTo(cursor.position + static_cast<int>(token.text.size())); }
+    void Advance() noexcept { MoveTo(cursor.position + token.size); }
     void MoveTo(int position) noexcept;
     bool Is(std::uint32_t kinds) const noexcept { return (token.kind & kinds) != 0; }
 

@@ -82,15 +82,15 @@ Parser::Element Parser::ParseValue() {
         break;
     }
     const int position = cursor.position;
-    if (platform::EqualsIgnoreCaseAscii(token.text, L"true"sv)) {
+    if (platform::EqualsIgnoreCaseAscii(token.Text(), L"true"sv)) {
         Advance();
         return Element(new ElementObject(true, position));
     }
-    if (platform::EqualsIgnoreCaseAscii(token.text, L"false"sv)) {
+    if (platform::EqualsIgnoreCaseAscii(token.Text(), L"false"sv)) {
         Advance();
         return Element(new ElementObject(false, position));
     }
-    if (platform::EqualsIgnoreCaseAscii(token.text, L"null"sv)) {
+    if (platform::EqualsIgnoreCaseAscii(token.Text(), L"null"sv)) {
         Advance();
         return MakeLiteral(new ObjectNull(), position);
     }
@@ -113,7 +113,7 @@ Parser::Element Parser::ParseParenthesis() {
 }
 
 Parser::Element Parser::ParseString() {
-    const std::wstring_view text = token.text;
+    const std::wstring_view text = token.Text();
     const std::size_t lastOther = text.find_last_not_of(L'\'');
     if (lastOther != std::wstring_view::npos && (text.size() - lastOther - 1) % 2 == 0) {
         return Report(message::unterminatedString);
@@ -129,11 +129,11 @@ Parser::Element Parser::ParseString() {
 Parser::Element Parser::ParseNumber() {
     const int position = cursor.position;
     int plain = 0;
-    if (ReadPlainInt(token.text, plain)) {
+    if (ReadPlainInt(token.Text(), plain)) {
         Advance();
         return Element(new ElementObject(plain, position));
     }
-    const Reference<ObjectString> text(new ObjectString(OrvStringT(token.text)));
+    const Reference<ObjectString> text(new ObjectString(OrvStringT(token.Text())));
     IObject* const value = text->ToNumeric(err);
     if (value == nullptr) {
         return Element();
@@ -163,12 +163,12 @@ Parser::Element Parser::ParseMembers(Element source) {
     while (Is(TokenDot)) {
         // The name follows at once: what stands behind the "." is looked at without skipping white space.
         ++cursor.position;
-        token.text = PeekTokenView(cursor);
-        if (token.text.empty()) {
+        token.Set(TokenName, PeekTokenView(cursor));
+        if (token.size == 0) {
             return Report(message::unexpectedEnd);
         }
-        if (!IsNameLetter(token.text[0])) {
-            return Report(message::unexpectedToken, token.text);
+        if (!IsNameLetter(token.begin[0])) {
+            return Report(message::unexpectedToken, token.Text());
         }
         source = ParseMethod(std::move(source), true);
         if (!source) {
@@ -179,7 +179,7 @@ Parser::Element Parser::ParseMembers(Element source) {
 }
 
 Parser::Element Parser::ParseMethod(Element parent, bool member) {
-    OrvStringT name = detail::NameText(token.text);
+    OrvStringT name = detail::NameText(token.Text());
     const int position = cursor.position;
     Advance();
     InlineList<QueryElementList, 16> arguments; // the element's own list is as long as it has to be

@@ -100,25 +100,26 @@ constexpr std::array<TokenKind, 128> asciiKinds = MakeKinds();
 
 } // namespace
 
-Token ReadToken(ParseCursor& cursor) noexcept {
+void ReadToken(ParseCursor& cursor, Token& token) noexcept {
     SkipSpaces(cursor);
     const wchar_t* const begin = cursor.text + cursor.position;
     const auto first = static_cast<std::uint32_t>(*begin);
     const TokenKind kind = first < asciiKinds.size() ? asciiKinds[first] : TokenOther;
     switch (kind) {
-    case TokenEnd:
-        return Token{kind, std::wstring_view()};
     case TokenName: {
         const std::wstring_view text = PeekTokenView(cursor);
-        return Token{NameKind(text), text};
+        token.Set(NameKind(text), text);
+        return;
     }
     case TokenNumber:
     case TokenString:
-        return Token{kind, PeekTokenView(cursor)};
-    case TokenBang:
-        return Token{begin[1] == L'=' ? TokenNotEqual : TokenBang, std::wstring_view(begin, 1)};
+        token.Set(kind, PeekTokenView(cursor));
+        return;
     default:
-        return Token{kind, std::wstring_view(begin, 1)};
+        token.kind = kind == TokenBang && begin[1] == L'=' ? TokenNotEqual : kind;
+        token.begin = begin;
+        token.size = kind == TokenEnd ? 0 : 1;
+        return;
     }
 }
 

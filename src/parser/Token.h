@@ -34,13 +34,22 @@ enum TokenKind : std::uint32_t {
     TokenOther = 1u << 25,    ///< a character that the language has no use for
 };
 
-/// The next token, white space before it skipped.
+/// A token and where it stands. Set and read member by member, and not copied: what was written in two pieces and is
+/// read as one makes the processor wait.
 struct Token {
-    TokenKind kind;
-    std::wstring_view text;
+    TokenKind kind = TokenEnd;
+    int size = 0; ///< in code units
+    const wchar_t* begin = nullptr;
+
+    std::wstring_view Text() const noexcept { return std::wstring_view(begin, static_cast<std::size_t>(size)); }
+    void Set(TokenKind newKind, std::wstring_view text) noexcept {
+        kind = newKind;
+        begin = text.data();
+        size = static_cast<int>(text.size());
+    }
 };
 
 /// Skips white space, so that the cursor stands at the token, and tells what it is.
-Token ReadToken(ParseCursor& cursor) noexcept;
+void ReadToken(ParseCursor& cursor, Token& token) noexcept;
 
 } // namespace OrvUQL
