@@ -1,10 +1,14 @@
 #include "core/Signature.h"
 
 #include "OrvUQL/ObjectExpression.h"
+#include "OrvUQL/ObjectString.h"
 #include "OrvUQL/QueryElement.h"
+#include "OrvUQL/Scalars.h"
 
 #include "core/EngineAccess.h"
 #include "core/Failure.h"
+
+#include <typeinfo>
 
 namespace OrvUQL::detail {
 
@@ -37,6 +41,17 @@ const wchar_t* LetterWord(wchar_t letter) noexcept {
     }
 }
 
+/// What the value converts to, always a new object. Without the calls that it takes where it is exactly a T already.
+template <class T> IObject* ChangeTo(IObject::EType type, IObject* value, IError** err) {
+    if (&typeid(*value) == &typeid(T)) {
+        const T* const exact = static_cast<const T*>(value);
+        if (!exact->ObjectBaseStaticImpl::IsStaticInstance()) {
+            return new T(exact->GetValue());
+        }
+    }
+    return value->ChangeType(type, err);
+}
+
 /// The parameter that a letter makes of an argument, or null.
 IObject* MakeParameter(wchar_t letter, IQueryElement* node, QueryEngine* engine, IError** err) {
     const wchar_t kind = ToUpperLetter(letter);
@@ -52,13 +67,13 @@ IObject* MakeParameter(wchar_t letter, IQueryElement* node, QueryEngine* engine,
     }
     switch (kind) {
     case L'B':
-        return value->ChangeType(IObject::TypeBool, err);
+        return ChangeTo<ObjectBool>(IObject::TypeBool, value.Get(), err);
     case L'I':
-        return value->ChangeType(IObject::TypeInt, err);
+        return ChangeTo<ObjectInt>(IObject::TypeInt, value.Get(), err);
     case L'D':
-        return value->ChangeType(IObject::TypeDouble, err);
+        return ChangeTo<ObjectDouble>(IObject::TypeDouble, value.Get(), err);
     case L'S':
-        return value->ChangeType(IObject::TypeString, err);
+        return ChangeTo<ObjectString>(IObject::TypeString, value.Get(), err);
     case L'N':
         return value->ToNumeric(err);
     default:
