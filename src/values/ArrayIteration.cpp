@@ -12,29 +12,31 @@ namespace OrvUQL {
 IObject* ObjectArrayBase::Method_ForEach(QueryEngine* engine, const OrvStringT&, const ObjectList& params,
                                          IError** err) {
     const IQueryElement* const expression = GetQueryElement(params[1]);
+    if (expression == nullptr) {
+        params[0]->AddRef();
+        return params[0];
+    }
+    const detail::ItemSource items(*this);
+    detail::ItemEvaluation evaluation(engine, expression, params[2], err); // may throw, so before there is a result
     params[0]->AddRef();
     detail::Value result = detail::Value::Object(params[0]); // without an owner: in registers
-    if (expression != nullptr) {
-        const detail::ItemSource items(*this);
-        detail::ItemEvaluation evaluation(engine, expression, params[2], err);
-        for (int index = 0;; ++index) {
-            IObject* item = nullptr;
-            try {
-                if (index >= items.Count()) {
-                    break;
-                }
-                item = items.Item(index);
-            } catch (...) { // of a host's array
-                const detail::ValueHolder disposed(result);
-                throw;
+    for (int index = 0;; ++index) {
+        IObject* item = nullptr;
+        try {
+            if (index >= items.Count()) {
+                break;
             }
-            if (item == nullptr) {
-                continue;
-            }
-            result = evaluation.Evaluate(result, item, index + 1);
-            if (result.Failed()) {
-                return nullptr;
-            }
+            item = items.Item(index);
+        } catch (...) { // of a host's array
+            const detail::ValueHolder disposed(result);
+            throw;
+        }
+        if (item == nullptr) {
+            continue;
+        }
+        result = evaluation.Evaluate(result, item, index + 1);
+        if (result.Failed()) {
+            return nullptr;
         }
     }
     return detail::Box(result);

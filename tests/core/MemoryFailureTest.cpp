@@ -105,6 +105,7 @@ const Row rows[] = {
     {L"array(1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20)",
      "array (1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20)"},
     {L"array(1)[.This().ToString() + '!']", "string (1)!"},
+    {L"array(5, 6).ForEach(0, $lasteval + $item)", "int 11"},
     {L"bool.help().TypeName()", "string string"},
     {L"@Value() + @Round(1).Value()", "double 5"},
     {L"@DisplayUnit + @Category", "string cmLinear Dimensions"},

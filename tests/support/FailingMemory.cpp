@@ -15,6 +15,7 @@ struct State {
 };
 
 constinit thread_local State state;
+constinit thread_local std::ptrdiff_t blocks = 0;
 
 /// Whether the allocation that is asked for now is one that fails.
 bool FailsNow() noexcept {
@@ -32,7 +33,16 @@ bool FailsNow() noexcept {
     return true;
 }
 
-void* Allocate(std::size_t size) noexcept { return FailsNow() ? nullptr : std::malloc(size == 0 ? 1 : size); }
+void* Allocate(std::size_t size) noexcept {
+    void* const block = FailsNow() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    blocks += block != nullptr ? 1 : 0;
+    return block;
+}
+
+void Free(void* block) noexcept {
+    blocks -= block != nullptr ? 1 : 0;
+    std::free(block);
+}
 
 } // namespace
 
@@ -43,6 +53,8 @@ FailingMemory::FailingMemory(int allowed, MemoryEnds how) noexcept {
 FailingMemory::~FailingMemory() { state = {}; }
 
 bool FailingMemory::HasFailed() const noexcept { return state.failed; }
+
+std::ptrdiff_t LiveBlocks() noexcept { return blocks; }
 
 } // namespace OrvUQL::Tests
 
@@ -56,9 +68,9 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) { return operator new(size); }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return OrvUQL::Tests::Allocate(size); }
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return OrvUQL::Tests::Allocate(size); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
-void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
-void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
+void operator delete(void* block) noexcept { OrvUQL::Tests::Free(block); }
+void operator delete[](void* block) noexcept { OrvUQL::Tests::Free(block); }
+void operator delete(void* block, std::size_t) noexcept { OrvUQL::Tests::Free(block); }
+void operator delete[](void* block, std::size_t) noexcept { OrvUQL::Tests::Free(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { OrvUQL::Tests::Free(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { OrvUQL::Tests::Free(block); }

@@ -2,6 +2,8 @@
 // the whole process, the shared library included.
 #pragma once
 
+#include <cstddef>
+
 namespace OrvUQL::Tests {
 
 enum class MemoryEnds {
@@ -20,5 +22,8 @@ public:
     /// Whether it has come to that; to be asked while it lives.
     bool HasFailed() const noexcept;
 };
+
+/// How many blocks the thread has got and not given back.
+std::ptrdiff_t LiveBlocks() noexcept;
 
 } // namespace OrvUQL::Tests
