@@ -68,6 +68,12 @@ TEST(UqlInput, ADocumentMayBeLargerThanTheBuffer) {
     EXPECT_EQ(RunUql({"-o", "json", "@this", "-"}, array + "]"), Prints(array + "]\n"));
 }
 
+TEST(UqlInput, ADocumentMayBeVeryLarge) {
+    const std::string text(200'000'000, 'x');
+    EXPECT_EQ(RunUql({"@a.Length() + @b", "-"}, "{\"a\":\"" + text + "\",\"b\":1}\n{\"a\":\"\",\"b\":7}\n"),
+              Prints("200000001\n7\n"));
+}
+
 TEST(UqlInput, ARecordThatFailsEndsTheRun) {
     const TestFile input("{\"a\": 1}\n{\"a\": 0}\n{\"a\": 2}\n");
     EXPECT_EQ(RunUql({"6 / @a", input.GetPath()}),
@@ -81,7 +87,8 @@ TEST(UqlInput, KeepGoingGoesOnBehindARecordThatFails) {
     const TestFile second("0 3");
     EXPECT_EQ(RunUql({"--keep-going", "6 / @this", first.GetPath(), second.GetPath()}),
               Fails("uql: " + first.GetPath() + ": record 2: Division By Zero\n  6 / @this\n    ^\n" +
-                        "uql: " + second.GetPath() + ": record 1: Division By Zero\n  6 / @this\n    ^\n",
+                        "uql: " + second.GetPath() + ": record 1: Division By Zero\n  6 / @this\n    ^\n" +
+                        "uql: 2 of 5 records failed\n",
                     "6\n3\n2\n"));
 }
 
@@ -95,7 +102,7 @@ TEST(UqlInput, RecordsBeforeMalformedJsonAreAnswered) {
     const UqlRun run = RunUql({"@a", input.GetPath()});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "1\n2\n");
-    EXPECT_THAT(run.err, StartsWith("uql: " + input.GetPath() + ": line 3, column 6: "));
+    EXPECT_THAT(run.err, StartsWith("uql: " + input.GetPath() + ":3:6: record 3: "));
 }
 
 TEST(UqlInput, KeepGoingGoesOnWithTheNextInputBehindMalformedJson) {
@@ -107,7 +114,7 @@ TEST(UqlInput, KeepGoingGoesOnWithTheNextInputBehindMalformedJson) {
     const UqlRun run = RunUql({"--keep-going", "@this", bad.GetPath(), "/no/such/file", good.GetPath()});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "1\n3\n");
-    EXPECT_THAT(run.err, StartsWith("uql: " + bad.GetPath() + ": line 1, column 3: "));
+    EXPECT_THAT(run.err, StartsWith("uql: " + bad.GetPath() + ":1:3: record 2: "));
     EXPECT_THAT(run.err, HasSubstr("uql: /no/such/file: " + GetMissingFileReason() + "\n"));
 }
 
@@ -126,8 +133,8 @@ TEST_P(UqlMalformedInput, IsReportedWithItsPlace) {
     const UqlRun run = RunUql({"1", "-"}, malformed.text);
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "");
-    EXPECT_THAT(run.err, StartsWith("uql: -: line " + std::to_string(malformed.line) + ", column " +
-                                    std::to_string(malformed.column) + ": "));
+    EXPECT_THAT(run.err, StartsWith("uql: -:" + std::to_string(malformed.line) + ":" +
+                                    std::to_string(malformed.column) + ": record 1: "));
     EXPECT_EQ(run.err.find('\n'), run.err.size() - 1);
 }
 
@@ -141,8 +148,9 @@ INSTANTIATE_TEST_SUITE_P(UqlInput, UqlMalformedInput,
                                          Malformed{"01", 1, 2}, Malformed{"1.", 1, 3}, Malformed{"1e", 1, 3},
                                          Malformed{"-", 1, 2}, Malformed{"truE", 1, 4}, Malformed{"nul", 1, 4},
                                          Malformed{"truex", 1, 5}, Malformed{"NaN", 1, 1}, Malformed{"/* */ 1", 1, 1},
-                                         Malformed{"\"\xC3\"", 1, 3}, Malformed{"\"\x80\"", 1, 2},
-                                         Malformed{"\"\xED\xA0\x80\"", 1, 3}, Malformed{"\"\xC0\x80\"", 1, 2}));
+                                         Malformed{"\"\\ud800\"", 1, 8}, Malformed{"\"\\udc00\"", 1, 7},
+                                         Malformed{"1e999", 1, 5}, Malformed{"[0, -1e400 ]", 1, 10},
+                                         Malformed{"[\"\xC3\" x]", 1, 6}, Malformed{"\xFF", 1, 1}));
 
 TEST(UqlInput, WhatCannotBeReadIsReported) {
     EXPECT_EQ(RunUql({"1", "/no/such/file"}), Fails("uql: /no/such/file: " + GetMissingFileReason() + "\n"));

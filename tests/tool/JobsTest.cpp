@@ -1,9 +1,11 @@
 // Evaluation on several threads.
 #include "tool/RunUql.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace OrvUQL::Tests {
 namespace {
@@ -44,17 +46,27 @@ TEST(UqlJobs, NothingBehindAFailureIsPrinted) {
               Fails("uql: -: record 1001: Division By Zero\n  1 / @this\n    ^\n", expected));
 }
 
-TEST(UqlJobs, MalformedJsonEndsItsInputAlone) {
+TEST(UqlJobs, MalformedJsonEndsItsLineAlone) {
+    // Lines of a thousand documents, so that batches begin and end within them.
     std::string json;
-    for (int number = 0; number < 5'000; ++number) {
-        json += number == 2'500 ? "] " : std::to_string(number) + "\n";
+    std::string expected;
+    for (int number = 0; number < 10'000; ++number) {
+        json += number == 2'500 ? "{\"a\" 1}" : number == 7'500 ? "]" : std::to_string(number);
+        json += number % 1'000 == 999 ? '\n' : ' ';
+        const bool isSkipped = (number >= 2'500 && number < 3'000) || (number >= 7'500 && number < 8'000);
+        expected += isSkipped ? "" : std::to_string(number) + "\n";
     }
     const TestFile bad(json);
     const TestFile good("\"good\"");
-    const UqlRun one = RunUql({"--keep-going", "@this", bad.GetPath(), good.GetPath()});
-    EXPECT_EQ(one.status, 1);
-    EXPECT_EQ(one.out.substr(one.out.size() - 10), "2499\ngood\n");
-    EXPECT_EQ(RunUql({"-j", "3", "--keep-going", "@this", bad.GetPath(), good.GetPath()}), one);
+    const std::vector<std::string> inputs = {"--keep-going", "@this", bad.GetPath(), good.GetPath()};
+    const UqlRun one = RunUql(inputs);
+    EXPECT_EQ(one.out, expected + "good\n");
+    EXPECT_THAT(one.err, testing::HasSubstr(bad.GetPath() + ":3:2506: record 2501: "));
+    EXPECT_THAT(one.err, testing::HasSubstr(bad.GetPath() + ":8:2501: record 7002: "));
+    EXPECT_THAT(one.err, testing::EndsWith("uql: 2 of 9003 records failed\n"));
+    std::vector<std::string> parallel = {"-j", "3"};
+    parallel.insert(parallel.end(), inputs.begin(), inputs.end());
+    EXPECT_EQ(RunUql(parallel), one);
     EXPECT_EQ(RunUql({"-j", "3", "@this", bad.GetPath(), good.GetPath()}),
               RunUql({"@this", bad.GetPath(), good.GetPath()}));
 }

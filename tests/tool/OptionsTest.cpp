@@ -116,8 +116,6 @@ TEST(UqlOptions, PrecisionIsTheUnitPrecision) {
     EXPECT_EQ(RunUql({"--precision", "1.5", "1"}).status, 2);
 }
 
-TEST(UqlOptions, VersionIsTheProjects) { EXPECT_EQ(RunUql({"--version"}), Prints("uql " UQL_VERSION "\n")); }
-
 TEST(UqlOptions, HelpNamesEveryOption) {
     const UqlRun help = RunUql({"--help"});
     EXPECT_EQ(help.status, 0);

@@ -70,6 +70,8 @@ public:
 
     void Write(std::string_view bytes);
     void CloseInput();
+    /// Ctrl-C. Only on POSIX systems.
+    void Interrupt();
     /// Waits for the next line of output; empty at its end.
     std::string ReadLine();
     /// Waits for the end. The output is what has not been read.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -211,6 +212,7 @@ RunningUql::~RunningUql() = default;
 
 void RunningUql::Write(std::string_view bytes) { WriteAll(process->input, bytes); }
 void RunningUql::CloseInput() { Close(process->input); }
+void RunningUql::Interrupt() { ::kill(process->id, SIGINT); }
 
 std::string RunningUql::ReadLine() {
     std::string line;

@@ -12,7 +12,7 @@ namespace OrvUQL::Tool {
 class BatchWorkers::Worker {
 public:
     Worker(const std::string& text, const QueryOptions& options, const Printer& printer)
-        : runner(printer), evaluator(runner, options.keepGoing) {
+        : runner(printer), evaluator(runner, options, printer) {
         QueryFailure failure;
         if (!runner.Prepare(text, options.settings, failure)) {
             throw WorkerFailed{std::move(failure.message)};
@@ -61,6 +61,7 @@ BatchWorkers::~BatchWorkers() {
 
 void BatchWorkers::Submit(std::unique_ptr<RecordBatch> batch) {
     const auto entry = std::make_shared<Entry>();
+    pendingBytes += batch->text.size();
     entry->batch = std::move(batch);
     pending.push_back(entry);
     if (ownWorker) {
@@ -78,6 +79,7 @@ void BatchWorkers::Submit(std::unique_ptr<RecordBatch> batch) {
 std::unique_ptr<RecordBatch> BatchWorkers::Take() {
     const std::shared_ptr<Entry> entry = std::move(pending.front());
     pending.pop_front();
+    pendingBytes -= entry->batch->text.size();
     std::unique_lock lock(mutex);
     workDone.wait(lock, [&] { return entry->isDone; });
     if (entry->batch->exception) {

@@ -34,8 +34,10 @@ public:
     ~BatchWorkers();
 
     bool IsEmpty() const { return pending.empty(); }
-    /// As many batches as keep every thread busy while the oldest is waited for.
-    bool IsFull() const { return pending.size() >= capacity; }
+    /// As many batches as keep every thread busy while the oldest is waited for; of large records one for each thread.
+    bool IsFull() const {
+        return pending.size() >= capacity || (pendingBytes >= manyBytes && pending.size() >= threads.size());
+    }
     void Submit(std::unique_ptr<RecordBatch> batch);
     /// Waits for the oldest batch. Throws what its evaluation threw, or WorkerFailed.
     std::unique_ptr<RecordBatch> Take();
@@ -49,12 +51,15 @@ private:
 
     void Run();
 
+    static constexpr std::size_t manyBytes = 8 << 20;
+
     const std::string& text;
     const QueryOptions& options;
     const Printer& printer;
     std::size_t capacity;
     std::unique_ptr<Worker> ownWorker;          // of the caller's thread, if there are no others
     std::deque<std::shared_ptr<Entry>> pending; // the caller's: all that has been submitted and not taken
+    std::size_t pendingBytes = 0;               // of their records
     std::mutex mutex;                           // guards what follows and the entries
     std::condition_variable workArrived;
     std::condition_variable workDone;

@@ -2,10 +2,13 @@
 
 #include "ConformanceRunner.h"
 #include "ErrorReport.h"
+#include "ExploreCommand.h"
 #include "File.h"
+#include "ListCommand.h"
 #include "Options.h"
 #include "Output.h"
 #include "QueryCommand.h"
+#include "SessionCommand.h"
 
 #include <new>
 #include <stdexcept>
@@ -26,6 +29,14 @@ int RunCommand(const std::function<std::vector<std::string>()>& getArguments) {
             return 2;
         case Options::Test:
             return RunConformanceFiles(options.testFiles, output);
+        case Options::Tree:
+            return RunTree(options.query, options.treeFormat, output);
+        case Options::Explain:
+            return RunExplain(options.query, options.treeFormat, output);
+        case Options::List:
+            return RunList(options.list, output);
+        case Options::Session:
+            return RunSession(options.query, output);
         case Options::Query:
             return RunQuery(options.query, output);
         }

@@ -1,9 +1,11 @@
 #include "EngineSettings.h"
 
+#include "JsonListObject.h"
 #include "JsonReader.h"
 #include "Ref.h"
 
 #include <new>
+#include <utility>
 
 namespace OrvUQL::Tool {
 
@@ -24,6 +26,29 @@ bool MakeObject(const std::optional<std::string>& json, const std::optional<std:
         return true;
     }
     return static_cast<bool>(object);
+}
+
+/// An object whose members are the arguments. Null with the reason in `error`.
+Ref<IObject> MakeArguments(const std::vector<NamedArgument>& arguments, std::string& error) {
+    std::vector<OrvStringT> names;
+    ObjectList values;
+    for (const NamedArgument& argument : arguments) {
+        names.push_back(OrvStringT::FromUtf8(argument.name));
+        Ref<IObject> value;
+        if (argument.isJson) {
+            JsonError jsonError;
+            value = JsonReader().Read(argument.value, jsonError);
+            if (!value) {
+                error = "the argument '" + argument.name + "': " + DescribeJsonError(jsonError, argument.value);
+                return value;
+            }
+        } else {
+            value = Ref<IObject>(new ObjectString(OrvStringT::FromUtf8(argument.value)));
+        }
+        values.push_back(value.Get());
+        value.Detach();
+    }
+    return Ref<IObject>(new JsonListObject(Ref<JsonKeys>(new JsonKeys(names)), std::move(values)));
 }
 
 } // namespace
@@ -50,6 +75,12 @@ bool PrepareEngine(QueryEngine& engine, const EngineSettings& settings, ComApart
     if (!MakeObject(settings.variable, settings.variableClass, apartment, variable, error)) {
         error = "the variable: " + error;
         return false;
+    }
+    if (!settings.arguments.empty()) {
+        variable = MakeArguments(settings.arguments, error);
+        if (!variable) {
+            return false;
+        }
     }
     engine.SetVariable(variable.Get());
     return true;

@@ -7,8 +7,16 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace OrvUQL::Tool {
+
+/// A member of the variable that the command line gives on its own.
+struct NamedArgument {
+    std::string name;
+    std::string value; ///< a text, or JSON
+    bool isJson = false;
+};
 
 struct EngineSettings {
     /// Pixels in a kilometre for the catalogue of lengths; nothing: no catalogue.
@@ -19,6 +27,7 @@ struct EngineSettings {
     std::optional<std::string> variable;            ///< JSON
     std::optional<std::string> propertySourceClass; ///< instead, the program ID of an automation object
     std::optional<std::string> variableClass;       ///< likewise
+    std::vector<NamedArgument> arguments;           ///< instead, the members of an object
 };
 
 /// Prepares a new engine. Automation objects are made in `apartment`, which has to outlive the engine. False with the

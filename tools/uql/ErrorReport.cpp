@@ -39,6 +39,10 @@ std::string FormatCaret(const OrvStringT& query, int position) {
     return report + "^\n";
 }
 
+std::string FormatSuggestion(const OrvStringT& name) {
+    return name.IsEmpty() ? std::string() : std::string("  did you mean '") + name.ToUtf8() + "'?\n";
+}
+
 std::string GetFailureMessage(IError* error) {
     return error == nullptr ? "the query has no value" : error->GetMessageW().ToUtf8();
 }

@@ -15,6 +15,9 @@ std::string FormatMessage(std::string_view message);
 /// if the position is negative. Tabs stand in both lines, so that the caret stands right whatever their width.
 std::string FormatCaret(const OrvStringT& query, int position);
 
+/// "  did you mean 'NAME'?\n"; empty for no name.
+std::string FormatSuggestion(const OrvStringT& name);
+
 /// The message of a failed parse or evaluation. A failure may come without one: "the query has no value".
 std::string GetFailureMessage(IError* error);
 

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,10 +23,13 @@ public:
     bool Open(std::string& error);
     /// Reads up to `size` bytes, as many as are there, and waits only if there are none. 0 at the end, -1 on failure.
     /// The bytes of a file or a pipe come as they are; what is typed at a console comes as UTF-8, its lines ended by a
-    /// line feed.
+    /// line feed. While there is an InterruptWatch, an interruption looks like the end.
     std::ptrdiff_t Read(char* buffer, std::size_t size, std::string& error);
     /// True if Read would have to wait for somebody to write.
     bool WouldWait() const;
+
+    /// In bytes, as far as the system knows: not of pipes, terminals and the like.
+    std::optional<std::uint64_t> GetSize() const;
 
     /// As given.
     const std::string& GetPath() const { return path; }
@@ -44,6 +49,8 @@ bool WriteToStandardOutput(std::string_view bytes, std::string& error);
 /// to tell.
 void WriteToStandardError(std::string_view bytes);
 
+bool IsStandardInputTerminal();
 bool IsStandardOutputTerminal();
+bool IsStandardErrorTerminal();
 
 } // namespace OrvUQL::Tool

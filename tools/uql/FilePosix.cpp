@@ -1,9 +1,12 @@
 #include "File.h"
 
+#include "Interrupt.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -30,6 +33,17 @@ bool WriteAll(int handle, std::string_view bytes) {
     return true;
 }
 
+/// False if the user does not want to wait any longer.
+bool WaitForInput(int handle) {
+    const int interruption = InterruptWatch::GetDescriptor();
+    if (interruption < 0) {
+        return true;
+    }
+    pollfd waits[] = {{handle, POLLIN, 0}, {interruption, POLLIN, 0}};
+    while (::poll(waits, 2, -1) < 0 && errno == EINTR) {}
+    return waits[1].revents == 0;
+}
+
 } // namespace
 
 class InputFile::Source {
@@ -44,6 +58,8 @@ public:
     }
 
     const int handle;
+    bool isRegular = false;
+    std::uint64_t size = 0; // of a regular file
 };
 
 InputFile::InputFile(std::string filePath) : path(std::move(filePath)) {}
@@ -57,11 +73,19 @@ bool InputFile::Open(std::string& error) {
         return false;
     }
     source = std::make_unique<Source>(handle);
+    struct stat status = {};
+    if (::fstat(handle, &status) == 0 && S_ISREG(status.st_mode)) {
+        source->isRegular = true;
+        source->size = static_cast<std::uint64_t>(status.st_size);
+    }
     return true;
 }
 
 std::ptrdiff_t InputFile::Read(char* buffer, std::size_t size, std::string& error) {
     for (;;) {
+        if (!source->isRegular && !WaitForInput(source->handle)) {
+            return 0;
+        }
         const ssize_t count = ::read(source->handle, buffer, size);
         if (count >= 0) {
             return count;
@@ -74,6 +98,10 @@ std::ptrdiff_t InputFile::Read(char* buffer, std::size_t size, std::string& erro
             return -1;
         }
     }
+}
+
+std::optional<std::uint64_t> InputFile::GetSize() const {
+    return source->isRegular ? std::optional(source->size) : std::nullopt;
 }
 
 bool InputFile::WouldWait() const {
@@ -91,6 +119,8 @@ bool WriteToStandardOutput(std::string_view bytes, std::string& error) {
 
 void WriteToStandardError(std::string_view bytes) { WriteAll(STDERR_FILENO, bytes); }
 
+bool IsStandardInputTerminal() { return ::isatty(STDIN_FILENO) != 0; }
 bool IsStandardOutputTerminal() { return ::isatty(STDOUT_FILENO) != 0; }
+bool IsStandardErrorTerminal() { return ::isatty(STDERR_FILENO) != 0; }
 
 } // namespace OrvUQL::Tool

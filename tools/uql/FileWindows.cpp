@@ -82,6 +82,14 @@ public:
         }
     }
 
+    std::optional<std::uint64_t> GetSize() const {
+        LARGE_INTEGER size;
+        if (::GetFileType(handle) != FILE_TYPE_DISK || ::GetFileSizeEx(handle, &size) == 0) {
+            return std::nullopt;
+        }
+        return static_cast<std::uint64_t>(size.QuadPart);
+    }
+
     bool WouldWait() const {
         if (console) {
             return console->WouldWait();
@@ -140,6 +148,8 @@ std::ptrdiff_t InputFile::Read(char* buffer, std::size_t size, std::string& erro
     return source->Read(buffer, size, error);
 }
 
+std::optional<std::uint64_t> InputFile::GetSize() const { return source->GetSize(); }
+
 bool InputFile::WouldWait() const { return source->WouldWait(); }
 
 bool WriteToStandardOutput(std::string_view bytes, std::string& error) {
@@ -153,6 +163,8 @@ bool WriteToStandardOutput(std::string_view bytes, std::string& error) {
 
 void WriteToStandardError(std::string_view bytes) { WriteAll(::GetStdHandle(STD_ERROR_HANDLE), bytes); }
 
+bool IsStandardInputTerminal() { return IsConsole(::GetStdHandle(STD_INPUT_HANDLE)); }
 bool IsStandardOutputTerminal() { return IsConsole(::GetStdHandle(STD_OUTPUT_HANDLE)); }
+bool IsStandardErrorTerminal() { return IsConsole(::GetStdHandle(STD_ERROR_HANDLE)); }
 
 } // namespace OrvUQL::Tool

@@ -1,64 +1,63 @@
 // A file of JSON, cut into its documents.
 #pragma once
 
-#include "File.h"
+#include "JsonMarks.h"
+#include "JsonTokens.h"
+#include "RecordSource.h"
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace OrvUQL::Tool {
 
-/// One document's bytes, and where it begins in its file.
-struct JsonDocument {
-    std::string_view text;  ///< borrowed until the next call of Next
-    std::size_t line = 1;   ///< from 1
-    std::size_t column = 1; ///< from 1, in bytes
-};
-
-/// Finds where documents end by their brackets and quotes alone; whether they are JSON is for the reader to say. What
-/// is cut here is, for every file, what a reader of the whole would have read up to its first error. Holds one document
-/// at a time.
-class JsonDocuments {
+/// A document that ends on the line on which it begins, as in files of one document a line, is found by counting
+/// brackets: whether it is JSON is for the reader of the document to say, who knows on which line it fails. A document
+/// of several lines is followed token by token, so that what is missing in one does not make the rest of the file a
+/// part of it: it is cut behind the first token that cannot be there, and the next document is looked for on the next
+/// line (on that token's own line if nothing stands before it).
+class JsonDocuments : public RecordSource {
 public:
-    /// The file must be open.
-    explicit JsonDocuments(InputFile file);
+    explicit JsonDocuments(InputStream stream);
 
-    enum EResult {
-        Document,  ///< `document` is the next one
-        End,       ///< there are no more
-        Failed,    ///< the file cannot be read; `error` says why
-        WouldWait, ///< the next document is not there yet
-    };
-
-    /// With `wait` false never waits for input.
-    EResult Next(JsonDocument& document, bool wait, std::string& error);
+    EResult Next(SourceRecord& document, bool wait, std::string& error) override;
 
 private:
-    enum EState { BeforeDocument, InScalar, InString, InNested };
+    enum EState { BeforeDocument, InScalar, InString, InNested, InTokens, BehindBroken };
+    enum EToken { NoToken, StringToken, ScalarToken };
 
     bool Scan();
     bool SkipBlanks();
+    bool SkipLine();
     bool Begin();
     bool ScanScalar();
     bool ScanString();
     bool ScanNested();
+    bool ScanBlock();
+    bool ScanEscapes(const JsonMarks& marks);
+    bool TakeMark(std::size_t mark);
+    bool ScanTokens();
+    bool ScanToken();
+    void BreakHere();
+    bool TakesLinesAlong() const;
     void CountLine(std::size_t lineBreak);
     bool SkipByteOrderMark();
     void MakeRoom();
 
-    InputFile file;
     std::vector<char> buffer;
     std::size_t filled = 0;    // bytes of the buffer that have been read
     std::size_t place = 0;     // the next byte to look at
     std::size_t begin = 0;     // of the document
+    std::size_t end = 0;       // of the document, when it has been found
     std::size_t dropped = 0;   // bytes of the file that the buffer no longer holds
     std::size_t line = 1;      // of `place`
     std::size_t lineBegin = 0; // in the file
-    std::size_t depth = 0;
     EState state = BeforeDocument;
-    bool isInString = false; // inside a nested document
+    std::size_t depth = 0;   // of InNested
+    bool isInString = false; // of InNested
+    JsonTokens tokens;       // of InTokens
+    EToken token = NoToken;  // the one that `place` is in
+    bool isBroken = false;   // `place` is at a byte that cannot be
     bool isAtHead = true;
     bool isAtEnd = false;
     std::size_t documentLine = 1;

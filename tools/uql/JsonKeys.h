@@ -17,6 +17,8 @@ public:
 
     std::size_t GetCount() const { return names.size(); }
     const OrvStringT& GetName(std::size_t member) const { return names[member]; }
+    /// How many names the input has, those that come again counted again.
+    std::size_t GetPlaceCount() const { return members.empty() ? names.size() : members.size(); }
     /// The member that the name at a place of the input stands for.
     std::size_t GetMember(std::size_t place) const { return members.empty() ? place : members[place]; }
 

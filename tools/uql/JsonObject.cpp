@@ -1,13 +1,6 @@
 #include "JsonObject.h"
 
-#include "JsonWriter.h"
-
 namespace OrvUQL::Tool {
-
-JsonObject::JsonObject(Ref<JsonKeys> names, ObjectList&& members)
-    : keys(std::move(names)), values(std::move(members)) {}
-
-JsonObject::~JsonObject() = default; // the list lets go of deeply nested values without deep recursion
 
 const ObjectBase::MethodMap* JsonObject::_GetMethodMap() const {
     // Members are a catch-all and not an Invoke of their own: so a call site finds its row once for all records.
@@ -22,18 +15,14 @@ const ObjectBase::MethodMap* JsonObject::_GetMethodMap() const {
 }
 
 OrvStringT JsonObject::ToString() const {
-    OrvStringT text;
-    AppendJson(text, *this);
-    return text;
+    std::string json;
+    AppendJson(json);
+    return OrvStringT::FromUtf8(json);
 }
 
 IObject* JsonObject::Read(std::wstring_view name) const {
-    const std::size_t member = keys->Find(name);
-    if (member == JsonKeys::none) {
-        return new ObjectNull();
-    }
-    values[member]->AddRef();
-    return values[member];
+    IObject* const value = Find(name);
+    return value != nullptr ? value : new ObjectNull();
 }
 
 IObject* JsonObject::Method_Get(QueryEngine*, const OrvStringT&, const ObjectList& params, IError** err) {
@@ -43,10 +32,7 @@ IObject* JsonObject::Method_Get(QueryEngine*, const OrvStringT&, const ObjectLis
 
 IObject* JsonObject::Method_Keys(QueryEngine*, const OrvStringT&, const ObjectList&, IError**) {
     ObjectList names;
-    names.reserve(keys->GetCount());
-    for (std::size_t member = 0; member < keys->GetCount(); ++member) {
-        names.push_back(new ObjectString(keys->GetName(member)));
-    }
+    AppendKeys(names);
     return new ObjectArray(std::move(names));
 }
 

@@ -1,6 +1,7 @@
 #include "JsonReader.h"
 
-#include "JsonObject.h"
+#include "JsonListObject.h"
+#include "JsonSyntax.h"
 
 #include <nlohmann/json.hpp>
 
@@ -80,6 +81,27 @@ private:
     std::vector<NameId> wanted;
 };
 
+/// The bracket that opens one level too many: the parser does not tell where it is. Up to there all is well.
+std::size_t FindDeepestBracket(std::string_view document) {
+    std::size_t depth = 0;
+    bool isInString = false;
+    for (std::size_t place = 0; place < document.size(); ++place) {
+        const char c = document[place];
+        if (c == '"') {
+            isInString = !isInString;
+        } else if (isInString) {
+            place += c == '\\' ? 1 : 0;
+        } else if (c == '{' || c == '[') {
+            if (depth++ == deepestJson) {
+                return place;
+            }
+        } else if (c == '}' || c == ']') {
+            --depth;
+        }
+    }
+    return document.size();
+}
+
 } // namespace
 
 /// Receives the parser's events and puts the value together from the inside out.
@@ -97,7 +119,9 @@ public:
         return result;
     }
 
-    const JsonError& GetError() const { return error; }
+    JsonError GetError(std::string_view document) const {
+        return isTooDeep ? JsonError{FindDeepestBracket(document), error.message} : error;
+    }
 
     /// To be called before each document: a failed one leaves its pieces behind. What is kept is the room for them.
     void Clear() noexcept {
@@ -107,6 +131,7 @@ public:
         values.clear();
         keyIds.clear();
         open.clear();
+        isTooDeep = false;
         names.ForgetIfMany();
     }
 
@@ -151,7 +176,7 @@ public:
             }
         }
         values.resize(opened.firstValue);
-        return Add(new JsonObject(std::move(keys), std::move(members)));
+        return Add(new JsonListObject(std::move(keys), std::move(members)));
     }
     bool start_array(std::size_t) override { return Open(); }
     bool end_array() override {
@@ -188,6 +213,11 @@ private:
     };
 
     bool Open() {
+        if (open.size() == deepestJson) {
+            error.message = "nested deeper than " + std::to_string(deepestJson) + " levels";
+            isTooDeep = true;
+            return false;
+        }
         open.push_back({values.size(), keyIds.size()});
         return true;
     }
@@ -204,6 +234,7 @@ private:
     std::vector<IObject*> values; // complete ones, of all that is open
     std::vector<NameId> keyIds;   // of all objects that are open
     std::vector<Opened> open;
+    bool isTooDeep = false;
 };
 
 JsonReader::JsonReader() : builder(std::make_unique<Builder>()) {}
@@ -212,18 +243,22 @@ JsonReader::~JsonReader() = default;
 Ref<IObject> JsonReader::Read(std::string_view document, JsonError& error) {
     builder->Clear();
     if (!nlohmann::json::sax_parse(document.data(), document.data() + document.size(), builder.get())) {
-        error = builder->GetError();
+        error = builder->GetError(document);
         return Ref<IObject>();
     }
     return builder->TakeResult();
 }
 
-std::string DescribeJsonError(const JsonError& error, std::string_view text, std::size_t line, std::size_t column) {
+JsonPlace FindJsonError(const JsonError& error, std::string_view text, JsonPlace begin) {
     const std::string_view before = text.substr(0, error.offset);
     const std::size_t lineBreak = before.rfind('\n');
-    line += static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
-    column = lineBreak == std::string_view::npos ? column + before.size() : before.size() - lineBreak;
-    return "line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + error.message;
+    return {begin.line + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')),
+            lineBreak == std::string_view::npos ? begin.column + before.size() : before.size() - lineBreak};
+}
+
+std::string DescribeJsonError(const JsonError& error, std::string_view text) {
+    const JsonPlace place = FindJsonError(error, text);
+    return "line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ": " + error.message;
 }
 
 } // namespace OrvUQL::Tool

@@ -20,7 +20,8 @@ struct JsonError {
 };
 
 /// Reads JSON documents. null, true, false, strings and arrays become the language's own values; a number that is
-/// written as an integer and fits 32 bits an int, any other a double; an object a JsonObject. Nesting takes no stack.
+/// written as an integer and fits 32 bits an int, any other a double; an object a JsonListObject. Nesting takes no
+/// stack; more of it than deepestJson is an error.
 ///
 /// A reader remembers the names it has seen, and its values share them: reader and values belong to one thread at a
 /// time.
@@ -39,9 +40,15 @@ private:
     std::unique_ptr<Builder> builder;
 };
 
-/// "line 3, column 5: MESSAGE" for an error in a text that begins at the given line and column, both counted from 1;
-/// columns count bytes.
-std::string DescribeJsonError(const JsonError& error, std::string_view text, std::size_t line = 1,
-                              std::size_t column = 1);
+struct JsonPlace {
+    std::size_t line = 1;   ///< from 1
+    std::size_t column = 1; ///< from 1, in bytes
+};
+
+/// Where an error is, in a text that begins at a place of its file.
+JsonPlace FindJsonError(const JsonError& error, std::string_view text, JsonPlace begin = {});
+
+/// "line 3, column 5: MESSAGE" for an error in a text of its own.
+std::string DescribeJsonError(const JsonError& error, std::string_view text);
 
 } // namespace OrvUQL::Tool

@@ -1,106 +1,106 @@
 #include "JsonWriter.h"
 
-#include "JsonObject.h"
+#include "JsonListObject.h"
 #include "Ref.h"
+#include "Utf8.h"
 
+#include <charconv>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 namespace OrvUQL::Tool {
 
 namespace {
 
-/// The escape for a unit that JSON does not take as it is, or null. `buffer` has room for one.
-const wchar_t* Escape(wchar_t unit, wchar_t (&buffer)[7]) {
+void AppendText(std::string& out, std::string_view text) { out += text; }
+void AppendText(std::string& out, std::wstring_view text) { AppendUtf8(out, text); }
+
+void AppendEscape(std::string& out, unsigned unit) {
     switch (unit) {
-    case L'"':
-        return L"\\\"";
-    case L'\\':
-        return L"\\\\";
-    case L'\b':
-        return L"\\b";
-    case L'\f':
-        return L"\\f";
-    case L'\n':
-        return L"\\n";
-    case L'\r':
-        return L"\\r";
-    case L'\t':
-        return L"\\t";
+    case '"':
+        out += "\\\"";
+        return;
+    case '\\':
+        out += "\\\\";
+        return;
+    case '\b':
+        out += "\\b";
+        return;
+    case '\f':
+        out += "\\f";
+        return;
+    case '\n':
+        out += "\\n";
+        return;
+    case '\r':
+        out += "\\r";
+        return;
+    case '\t':
+        out += "\\t";
+        return;
     default:
         break;
     }
-    if (unit >= 0x20) {
-        return nullptr;
-    }
-    constexpr wchar_t digits[] = L"0123456789abcdef";
-    buffer[0] = L'\\';
-    buffer[1] = L'u';
-    buffer[2] = L'0';
-    buffer[3] = L'0';
-    buffer[4] = digits[unit >> 4];
-    buffer[5] = digits[unit & 15];
-    buffer[6] = L'\0';
-    return buffer;
+    constexpr char digits[] = "0123456789abcdef";
+    out += "\\u00";
+    out += digits[unit >> 4];
+    out += digits[unit & 15];
 }
 
-void AppendString(OrvStringT& out, std::wstring_view text) {
-    out += L'"';
+template <class Text> void AppendQuoted(std::string& out, Text text) {
+    out += '"';
     std::size_t written = 0;
-    wchar_t buffer[7];
     for (std::size_t place = 0; place < text.size(); ++place) {
-        if (const wchar_t* const escape = Escape(text[place], buffer)) {
-            out += text.substr(written, place - written);
-            out += escape;
+        const auto unit = static_cast<std::make_unsigned_t<typename Text::value_type>>(text[place]);
+        if (unit < 0x20 || unit == '"' || unit == '\\') {
+            AppendText(out, text.substr(written, place - written));
+            AppendEscape(out, unit);
             written = place + 1;
         }
     }
-    out += text.substr(written);
-    out += L'"';
+    AppendText(out, text.substr(written));
+    out += '"';
 }
 
-void AppendNumber(OrvStringT& out, double number) {
-    if (std::isfinite(number)) {
-        out += OrvUtils::String::ToStringW(number);
-    } else {
-        out += L"null";
-    }
+void AppendUnit(std::string& out, const IUnit& unit) {
+    out += "{\"value\":";
+    AppendJsonNumber(out, unit.GetDisplayValue());
+    out += ",\"unit\":";
+    AppendJsonString(out, std::wstring_view(unit.GetName()));
+    out += ",\"power\":";
+    AppendJsonNumber(out, unit.GetPower());
+    out += '}';
 }
 
-void AppendUnit(OrvStringT& out, const IUnit& unit) {
-    out += L"{\"value\":";
-    AppendNumber(out, unit.GetDisplayValue());
-    out += L",\"unit\":";
-    AppendString(out, unit.GetName());
-    out += L",\"power\":";
-    out += OrvUtils::String::ToStringW(unit.GetPower());
-    out += L'}';
-}
-
-void AppendScalar(OrvStringT& out, const IObject& value) {
+void AppendScalar(std::string& out, const IObject& value) {
     switch (value.GetType()) {
     case IObject::TypeBool: {
         bool boolean = false;
-        out += value.ToBool(boolean, nullptr) ? (boolean ? L"true" : L"false") : L"null";
+        out += value.ToBool(boolean, nullptr) ? (boolean ? "true" : "false") : "null";
         break;
     }
     case IObject::TypeInt: {
         int number = 0;
-        out += value.ToInt(number, nullptr) ? OrvUtils::String::ToStringW(number) : OrvStringT(ORV_TEXT(L"null"));
+        if (value.ToInt(number, nullptr)) {
+            AppendJsonNumber(out, number);
+        } else {
+            out += "null";
+        }
         break;
     }
     case IObject::TypeDouble: {
         double number = NAN;
         value.ToDouble(number, nullptr);
-        AppendNumber(out, number);
+        AppendJsonNumber(out, number);
         break;
     }
     case IObject::TypeString: {
         OrvStringT text;
         if (value.ToString(text, nullptr)) {
-            AppendString(out, text);
+            AppendJsonString(out, text.View());
         } else {
-            out += L"null";
+            out += "null";
         }
         break;
     }
@@ -111,44 +111,44 @@ void AppendScalar(OrvStringT& out, const IObject& value) {
         }
         [[fallthrough]];
     default:
-        out += L"null";
+        out += "null";
     }
 }
 
-/// An array or a JSON object of which some items have been written.
+/// An array or an object of values of which some items have been written.
 class OpenValue {
 public:
     /// False if the value is neither; else its opening bracket has been written.
-    static bool Open(OrvStringT& out, const IObject& value, std::vector<OpenValue>& open) {
+    static bool Open(std::string& out, const IObject& value, std::vector<OpenValue>& open) {
         OpenValue opened;
         if (value.GetType() == IObject::TypeArray) {
             opened.array = dynamic_cast<const ObjectArrayBase*>(&value);
         } else if (value.GetType() == IObject::TypeGlobal) {
-            opened.object = dynamic_cast<const JsonObject*>(&value);
+            opened.object = dynamic_cast<const JsonListObject*>(&value);
         }
         if (opened.array == nullptr && opened.object == nullptr) {
             return false;
         }
-        out += opened.object != nullptr ? L'{' : L'[';
+        out += opened.object != nullptr ? '{' : '[';
         open.push_back(std::move(opened));
         return true;
     }
 
     /// Writes what stands before the next item and sets `item`, which is null for an empty slot of an array. False at
     /// the end, the closing bracket written.
-    bool Next(OrvStringT& out, const IObject*& item) {
+    bool Next(std::string& out, const IObject*& item) {
         const std::size_t count =
             object != nullptr ? object->GetValues().size() : static_cast<std::size_t>(array->GetCount());
         if (next == count) {
-            out += object != nullptr ? L'}' : L']';
+            out += object != nullptr ? '}' : ']';
             return false;
         }
         if (next != 0) {
-            out += L',';
+            out += ',';
         }
         if (object != nullptr) {
-            AppendString(out, object->GetKeys().GetName(next));
-            out += L':';
+            AppendJsonString(out, object->GetKeys().GetName(next).View());
+            out += ':';
             item = object->GetValues()[next];
         } else {
             current = Ref<IObject>(array->GetItem(static_cast<int>(next)));
@@ -160,17 +160,46 @@ public:
 
 private:
     const ObjectArrayBase* array = nullptr;
-    const JsonObject* object = nullptr;
+    const JsonListObject* object = nullptr;
     Ref<IObject> current; // an array may make its items when asked for them
     std::size_t next = 0;
 };
 
+/// What has no items that are values.
+void AppendLeaf(std::string& out, const IObject& value) {
+    const JsonObject* object = nullptr;
+    if (value.GetType() == IObject::TypeGlobal) {
+        object = dynamic_cast<const JsonObject*>(&value);
+    }
+    if (object != nullptr) {
+        object->AppendJson(out);
+    } else {
+        AppendScalar(out, value);
+    }
+}
+
 } // namespace
 
-void AppendJson(OrvStringT& out, const IObject& value) {
+void AppendJsonString(std::string& out, std::string_view utf8) { AppendQuoted(out, utf8); }
+void AppendJsonString(std::string& out, std::wstring_view text) { AppendQuoted(out, text); }
+
+void AppendJsonNumber(std::string& out, double number) {
+    if (std::isfinite(number)) {
+        AppendUtf8(out, OrvUtils::String::ToStringW(number));
+    } else {
+        out += "null";
+    }
+}
+
+void AppendJsonNumber(std::string& out, int number) {
+    char digits[12];
+    out.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
+}
+
+void AppendJson(std::string& out, const IObject& value) {
     std::vector<OpenValue> open;
     if (!OpenValue::Open(out, value, open)) {
-        AppendScalar(out, value);
+        AppendLeaf(out, value);
         return;
     }
     while (!open.empty()) {
@@ -178,11 +207,17 @@ void AppendJson(OrvStringT& out, const IObject& value) {
         if (!open.back().Next(out, item)) {
             open.pop_back();
         } else if (item == nullptr) {
-            out += L"null";
+            out += "null";
         } else if (!OpenValue::Open(out, *item, open)) {
-            AppendScalar(out, *item);
+            AppendLeaf(out, *item);
         }
     }
+}
+
+void AppendJson(OrvStringT& out, const IObject& value) {
+    std::string json;
+    AppendJson(json, value);
+    out += OrvStringT::FromUtf8(json);
 }
 
 } // namespace OrvUQL::Tool

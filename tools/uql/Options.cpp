@@ -1,13 +1,13 @@
 #include "Options.h"
 
 #include "ComObject.h"
-#include "ErrorReport.h"
-
-#include <CLI/CLI.hpp>
+#include "ExploreOptions.h"
+#include "File.h"
+#include "OptionParser.h"
+#include "RecordOptions.h"
 
 #include <algorithm>
 #include <map>
-#include <memory>
 
 namespace OrvUQL::Tool {
 
@@ -16,6 +16,10 @@ namespace {
 constexpr const char* queryUsage = "Usage: uql [OPTIONS] QUERY [INPUT...]\n"
                                    "       uql [OPTIONS] -e QUERY [INPUT...]\n"
                                    "       uql [OPTIONS] -f FILE [INPUT...]\n"
+                                   "       uql tree [OPTIONS] QUERY\n"
+                                   "       uql explain [OPTIONS] QUERY [INPUT...]\n"
+                                   "       uql repl [OPTIONS]\n"
+                                   "       uql --list methods|functions|units [TYPE]\n"
                                    "       uql test FILE...\n";
 
 constexpr const char* queryDescription =
@@ -36,7 +40,10 @@ constexpr const char* queryNotes =
     "\n"
     "A byte-order mark at the head of a query file or of JSON is skipped.\n"
     "\n"
-    "uql test runs conformance files: see `uql test --help`.\n"
+    "uql tree shows the elements of a query, uql explain also what came of each. uql repl is a session, as is\n"
+    "uql without arguments at a terminal. uql --list tells what methods, functions and units there are. uql\n"
+    "test runs conformance files. uql --completions prints a script that teaches a shell to complete all this.\n"
+    "Each has a help of its own: `uql test --help`.\n"
     "\n"
     "Exit status: 0 if everything was evaluated, 1 if the query failed to parse or to evaluate or an input\n"
     "could not be read, 2 if the command line is wrong.\n"
@@ -78,176 +85,14 @@ constexpr const char* testNotes =
     "Exit status: 0 if every file could be read, something ran and nothing failed, 2 if the command line\n"
     "is wrong, else 1.";
 
-class HelpFormatter : public CLI::Formatter {
-public:
-    explicit HelpFormatter(const char* usageLines) : usage(usageLines) { column_width(18); }
-    std::string make_usage(const CLI::App*, std::string) const override { return usage; }
-    std::string make_description(const CLI::App* app) const override { return app->get_description(); }
-    std::string make_positionals(const CLI::App*) const override { return std::string(); }
-    std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override {
-        return make_usage(app, name) + "\n" + make_description(app) + make_groups(app, mode) + "\n" + make_footer(app);
-    }
-
-private:
-    const char* usage;
-};
-
-Options Misuse(const std::string& message) {
-    Options options;
-    options.command = Options::ShowMisuse;
-    options.text = FormatMessage(message) + "Try `uql --help`.\n";
-    return options;
-}
-
-Options Show(std::string text) {
-    Options options;
-    options.command = Options::ShowText;
-    options.text = std::move(text);
-    return options;
-}
-
-void AddHelp(CLI::App& app, const char* usage, const char* notes) {
-    app.formatter(std::make_shared<HelpFormatter>(usage));
-    app.set_help_flag("-h,--help", "Print this text and end.");
-    app.set_version_flag("--version", "uql " ORVUQL_VERSION, "Print the version and end.");
-    app.footer(notes);
-    app.allow_windows_style_options(false); // a path or a query may begin with a slash
-}
-
-/// Lets the parser read the arguments. What it has to say is in `outcome` if it returns false.
-bool Parse(CLI::App& app, std::vector<std::string> arguments, Options& outcome) {
-    std::reverse(arguments.begin(), arguments.end()); // it takes them from the back
-    try {
-        app.parse(std::move(arguments));
-        return true;
-    } catch (const CLI::CallForHelp&) {
-        outcome = Show(app.help());
-    } catch (const CLI::CallForVersion& version) {
-        outcome = Show(std::string(version.what()) + "\n");
-    } catch (const CLI::ParseError& error) {
-        outcome = Misuse(error.what());
-    }
-    return false;
-}
-
-/// The option that an argument names, or null. `hasValue` says whether the argument holds the option's value as well.
-const CLI::Option* FindOption(const CLI::App& app, const std::string& argument, bool& hasValue) {
-    hasValue = false;
-    if (argument.size() < 2 || argument[0] != '-') {
-        return nullptr;
-    }
-    if (argument[1] == '-') {
-        const std::size_t sign = argument.find('=');
-        hasValue = sign != std::string::npos;
-        return app.get_option_no_throw(argument.substr(0, sign));
-    }
-    // A short option and its value are two arguments, so that `-floor(@x)` is a query; only -j4 can be nothing else.
-    if (argument.compare(0, 2, "-j") == 0 && argument.size() > 2 &&
-        argument.find_first_not_of("0123456789", 2) == std::string::npos) {
-        hasValue = true;
-        return app.get_option_no_throw("-j");
-    }
-    return app.get_option_no_throw(argument);
-}
-
-/// The place of the query among the arguments; their number if there is none.
-std::size_t FindQuery(const CLI::App& app, const std::vector<std::string>& arguments) {
-    std::size_t query = arguments.size();
-    for (std::size_t place = 0; place < arguments.size(); ++place) {
-        if (arguments[place] == "--") {
-            return std::min(query, place + 1);
-        }
-        bool hasValue = false;
-        const CLI::Option* const option = FindOption(app, arguments[place], hasValue);
-        if (option == nullptr) {
-            query = std::min(query, place);
-        } else if (option->check_name("-e") || option->check_name("-f")) {
-            return arguments.size();
-        } else if (option->get_items_expected_max() > 0 && !hasValue) {
-            ++place;
-        }
-    }
-    return query;
-}
-
-/// An automation object instead of what another option gives. Where there are none the options are known, so that what
-/// is wrong can be said, but not told of.
-void AddComOption(CLI::App& app, const char* name, std::optional<std::string>& programId, const char* description) {
-    CLI::Option* const option = app.add_option(name, programId, description);
-    option->type_name("PROGID")->option_text("PROGID");
-    if (!HasComObjects()) {
-        option->group("");
-    }
-}
-
-/// What is wrong with the use of --props, --var and their like; empty: nothing.
-std::string FindConflict(const QueryOptions& options) {
-    const EngineSettings& settings = options.settings;
-    if (!HasComObjects()) {
-        if (settings.propertySourceClass) {
-            return "--com needs Windows";
-        }
-        if (settings.variableClass) {
-            return "--com-var needs Windows";
-        }
-    }
-    if (settings.propertySource && settings.propertySourceClass) {
-        return "--com and --props exclude each other";
-    }
-    if (settings.variable && settings.variableClass) {
-        return "--com-var and --var exclude each other";
-    }
-    if (!options.inputs.empty() && settings.propertySource) {
-        return "--props and INPUT exclude each other";
-    }
-    if (!options.inputs.empty() && settings.propertySourceClass) {
-        return "--com and INPUT exclude each other";
-    }
-    return std::string();
-}
-
-bool ReadsStandardInputTwice(const QueryOptions& options) {
-    auto count = std::count(options.inputs.begin(), options.inputs.end(), "-");
-    count += options.queryFile == "-" ? 1 : 0;
-    count += options.settings.propertySource == "@-" ? 1 : 0;
-    count += options.settings.variable == "@-" ? 1 : 0;
-    return count > 1;
-}
-
 Options ParseQueryOptions(std::vector<std::string> arguments) {
     CLI::App app(queryDescription);
     AddHelp(app, queryUsage, queryNotes);
     Options options;
-    options.query.settings.resolution = 0;
     std::string format = "text";
     bool noUnits = false;
-    app.add_option("INPUT", options.query.inputs);
-    CLI::Option* const query = app.add_option("-e", options.query.query, "Evaluate QUERY.");
-    query->type_name("QUERY")->option_text("QUERY");
-    CLI::Option* const file =
-        app.add_option("-f", options.query.queryFile, "Evaluate the query in FILE (\"-\": standard input).");
-    file->type_name("FILE")->option_text("FILE");
-    app.add_option("--props", options.query.settings.propertySource,
-                   "The property source (@name) of a query without INPUT;\n@FILE: the JSON in FILE.")
-        ->type_name("JSON")
-        ->option_text("JSON");
-    app.add_option("--var", options.query.settings.variable, "The current variable ($name); @FILE: the JSON in FILE.")
-        ->type_name("JSON")
-        ->option_text("JSON");
-    AddComOption(app, "--com", options.query.settings.propertySourceClass,
-                 "The property source is a new automation object of that class;\nonly properties can be read.");
-    AddComOption(app, "--com-var", options.query.settings.variableClass,
-                 "The current variable is a new automation object; each thread of -j\nhas one of its own.");
-    app.add_option("--resolution", options.query.settings.resolution,
-                   "Pixels in a kilometre, for the unit px. 0, the default, stands\nfor 300 pixels an inch.")
-        ->type_name("N")
-        ->option_text("N")
-        ->check(CLI::NonNegativeNumber);
-    app.add_flag("--no-units", noUnits, "Know no units of measure. Without this, lengths are known.");
-    app.add_option("--precision", options.query.settings.precision,
-                   "Decimal places to which values with a unit count as equal;\n0, the default: one whole unit.")
-        ->type_name("N")
-        ->option_text("N");
+    AddQueryOptions(app, options.query);
+    AddEngineOptions(app, options.query.settings, noUnits);
     app.add_option("-o", format,
                    "Print results as text (the value's text), typed (its type, a tab,\n"
                    "its text) or json (what JSON has no form for is null; a unit is\n"
@@ -256,34 +101,14 @@ Options ParseQueryOptions(std::vector<std::string> arguments) {
         ->type_name("FORMAT")
         ->option_text("FORMAT")
         ->check(CLI::IsMember({"text", "typed", "json"}));
-    app.add_option("-j", options.query.jobs, "Evaluate on N threads. Results stay in order. The default is 1.")
-        ->type_name("N")
-        ->option_text("N")
-        ->check(CLI::Range(1, 1024));
-    app.add_flag("--keep-going", options.query.keepGoing,
-                 "Go on after a record that fails, and with the next INPUT after one\nthat cannot be read to its end.");
+    RecordOptions records(app, options.query);
 
-    const std::size_t place = FindQuery(app, arguments);
-    const bool isQueryGiven = place < arguments.size();
-    if (isQueryGiven) {
-        options.query.query = arguments[place];
-        arguments.erase(arguments.begin() + static_cast<std::ptrdiff_t>(place));
-    }
     Options outcome;
-    if (!Parse(app, std::move(arguments), outcome)) {
+    if (!ParseWithQuery(app, std::move(arguments), options.query, outcome)) {
         return outcome;
     }
-    if (query->count() != 0 && file->count() != 0) {
-        return Misuse("-e and -f exclude each other");
-    }
-    if (!isQueryGiven && query->count() == 0 && file->count() == 0) {
-        return Misuse("a query is missing");
-    }
-    if (const std::string conflict = FindConflict(options.query); !conflict.empty()) {
-        return Misuse(conflict);
-    }
-    if (ReadsStandardInputTwice(options.query)) {
-        return Misuse("standard input can be read only once");
+    if (const std::string mistake = records.Finish(); !mistake.empty()) {
+        return Misuse(mistake);
     }
     if (noUnits) {
         options.query.settings.resolution.reset();
@@ -313,17 +138,28 @@ Options ParseTestOptions(std::vector<std::string> arguments) {
 } // namespace
 
 Options ParseOptions(std::vector<std::string> arguments) {
+    if (arguments.empty() && IsStandardInputTerminal() && IsStandardOutputTerminal()) {
+        return ParseSessionOptions({});
+    }
     if (arguments.empty()) {
         Options options;
         options.command = Options::ShowMisuse;
         options.text = std::string(queryUsage) + "Try `uql --help`.\n";
         return options;
     }
-    if (arguments[0] == "test") {
-        arguments.erase(arguments.begin());
-        return ParseTestOptions(std::move(arguments));
+    using Parser = Options (*)(std::vector<std::string>);
+    static const std::map<std::string, Parser> commands = {{"--completions", ParseCompletionsOptions},
+                                                           {"--list", ParseListOptions},
+                                                           {"explain", ParseExplainOptions},
+                                                           {"repl", ParseSessionOptions},
+                                                           {"test", ParseTestOptions},
+                                                           {"tree", ParseTreeOptions}};
+    const auto command = commands.find(arguments[0]);
+    if (command == commands.end()) {
+        return ParseQueryOptions(std::move(arguments));
     }
-    return ParseQueryOptions(std::move(arguments));
+    arguments.erase(arguments.begin());
+    return command->second(std::move(arguments));
 }
 
 } // namespace OrvUQL::Tool

@@ -1,16 +1,13 @@
 #include "Printer.h"
 
 #include "JsonWriter.h"
-
-#include <charconv>
+#include "Utf8.h"
 
 namespace OrvUQL::Tool {
 
 bool Printer::Append(std::string& out, const IObject& value, IError** err) const {
     if (format == OutputFormat::Json) {
-        OrvStringT json;
-        AppendJson(json, value);
-        out += json.ToUtf8();
+        AppendJson(out, value);
         out += '\n';
         return true;
     }
@@ -19,7 +16,7 @@ bool Printer::Append(std::string& out, const IObject& value, IError** err) const
         return false;
     }
     if (format == OutputFormat::Typed) {
-        out += value.GetTypeName().ToUtf8();
+        AppendUtf8(out, value.GetTypeName());
         out += '\t';
     }
     AppendText(out, text);
@@ -29,7 +26,7 @@ bool Printer::Append(std::string& out, const IObject& value, IError** err) const
 
 void Printer::AppendText(std::string& out, const OrvStringT& text) const {
     const std::size_t begin = out.size();
-    out += text.ToUtf8();
+    AppendUtf8(out, text);
     if (!isTerminal) {
         return;
     }

@@ -4,19 +4,13 @@
 #include <OrvUQL/OrvUQL.h>
 
 #include "EngineSettings.h"
+#include "ParsedQuery.h"
 #include "Printer.h"
-#include "Ref.h"
 
 #include <string>
 #include <string_view>
 
 namespace OrvUQL::Tool {
-
-/// Why a query could not be parsed or evaluated, as standard error tells it.
-struct QueryFailure {
-    std::string message;
-    std::string caret; ///< the lines that show the place in the query, if there is one
-};
 
 /// Engine, query and everything that they make belong to the thread that uses the runner.
 class QueryRunner {
@@ -24,21 +18,24 @@ public:
     explicit QueryRunner(const Printer& resultPrinter) : printer(resultPrinter) {}
 
     /// Parses the query (UTF-8), once.
-    bool Prepare(std::string_view text, const EngineSettings& settings, QueryFailure& failure);
+    bool Prepare(std::string_view text, const EngineSettings& settings, QueryFailure& failure) {
+        return query.Prepare(text, settings, failure);
+    }
 
-    /// From now on names with "@" are read from `record`, which the engine keeps until the next one.
-    void SetRecord(IObject* record) { engine.SetPropertySource(record); }
+    /// From now on names with "@" are read from `record`, which the engine keeps until the next one. Null: there is
+    /// none.
+    void SetRecord(IObject* record) { query.GetEngine().SetPropertySource(record); }
+    /// Likewise for names with "$".
+    void SetVariable(IObject* value) { query.GetEngine().SetVariable(value); }
 
     /// Evaluates the query and appends its printed value. On failure nothing is appended.
     bool Evaluate(std::string& out, QueryFailure& failure);
 
-private:
-    QueryFailure Describe(IError* error) const;
+    /// Evaluates a query that is a condition. What is neither true nor false is a failure.
+    bool Test(bool& verdict, QueryFailure& failure);
 
-    ComApartment apartment; // outlives the engine and all values
-    QueryEngine engine;
-    OrvStringT query;
-    Ref<IQueryElement> tree;
+private:
+    ParsedQuery query;
     Printer printer;
 };
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <exception>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,21 +20,34 @@ struct RecordBatch {
     };
 
     // Filled by the reader.
-    std::size_t input = 0;       ///< which of the inputs
-    std::string path;            ///< its name
-    std::size_t firstNumber = 1; ///< of the first record here, counted from 1 in the input
-    std::string text;
+    std::size_t input = 0;                     ///< which of the inputs
+    std::string path;                          ///< its name
+    std::shared_ptr<const std::string> header; ///< see RecordSource::GetHeader
+    std::string text; ///< the records, and behind them as many more bytes as a DocumentReader looks at
     std::vector<Record> records;
     std::string readError; ///< why the input could not be read on behind these records; empty: it could
 
     // Filled by the evaluator.
     struct Failure {
         std::size_t outputSize; ///< how much of the output stands before it
-        std::string report;     ///< for standard error
+        std::size_t record;     ///< which of the records that were evaluated, from 0
+        std::string place;      ///< in the file, as ":LINE:COLUMN"; empty where the record is what failed
+        std::string message;
+        std::string caret; ///< lines for behind the message
+    };
+    /// Up to some record of the batch.
+    struct Extent {
+        std::size_t records = 0; ///< that were evaluated or failed
+        std::size_t failures = 0;
+        std::size_t outputSize = 0;
     };
     std::string output;
     std::vector<Failure> failures;
-    bool isInputSpoilt = false; ///< the input cannot be read on behind the last failure
+    Extent whole;
+    Extent head;                ///< the records that begin on the first one's line, whose begin another batch may have
+    std::size_t brokenLine = 0; ///< the last one on which a record was not as it has to be: nothing behind it counts
+    std::size_t replacements = 0; ///< malformed pieces of UTF-8 that became U+FFFD
+    bool isCut = false;           ///< the user wanted the run to end before all records were evaluated
     std::exception_ptr exception;
 
     std::string_view GetText(const Record& record) const {

@@ -1,41 +1,100 @@
 #include "RecordEvaluator.h"
 
-#include "ErrorReport.h"
+#include "Interrupt.h"
+#include "RecordInput.h"
+
+#include <utility>
 
 namespace OrvUQL::Tool {
 
 namespace {
 
-void SpoilInput(RecordBatch& batch, const std::string& message) {
-    batch.failures.push_back({batch.output.size(), FormatMessage(batch.path + ": " + message)});
-    batch.isInputSpoilt = true;
+std::string PrintNull(const Printer& printer) {
+    std::string line;
+    const Ref<IObject> null(new ObjectNull());
+    printer.Append(line, *null, nullptr);
+    return line;
 }
 
 } // namespace
 
+RecordEvaluator::RecordEvaluator(QueryRunner& queryRunner, const QueryOptions& queryOptions,
+                                 const Printer& resultPrinter)
+    : runner(queryRunner),
+      options(queryOptions),
+      nullLine(PrintNull(resultPrinter)),
+      values(MakeRecordValues(queryOptions)) {}
+
 void RecordEvaluator::Evaluate(RecordBatch& batch) {
-    std::size_t number = batch.firstNumber;
+    const auto count = [&] {
+        batch.whole.failures = batch.failures.size();
+        batch.whole.outputSize = batch.output.size();
+    };
+    bool isHead = true;
     for (const RecordBatch::Record& record : batch.records) {
-        JsonError jsonError;
-        const std::string_view text = batch.GetText(record);
-        const Ref<IObject> value = reader.Read(text, jsonError);
-        if (!value) {
-            SpoilInput(batch, DescribeJsonError(jsonError, text, record.line, record.column));
-            return;
+        if (isHead && record.line != batch.records.front().line) {
+            batch.head = batch.whole;
+            isHead = false;
         }
-        runner.SetRecord(value.Get());
-        QueryFailure failure;
-        if (!runner.Evaluate(batch.output, failure)) {
-            const std::string place = batch.path + ": record " + std::to_string(number) + ": ";
-            batch.failures.push_back({batch.output.size(), FormatMessage(place + failure.message) + failure.caret});
-            if (!keepGoing) {
-                return;
-            }
+        if (record.line == batch.brokenLine) {
+            continue;
         }
-        ++number;
+        if (InterruptWatch::IsInterrupted()) {
+            batch.isCut = true;
+            break;
+        }
+        const bool isEvaluated = EvaluateRecord(batch, record);
+        ++batch.whole.records;
+        count();
+        if (!isEvaluated && options.onError == OnError::Fail) {
+            break;
+        }
     }
-    if (!batch.readError.empty()) {
-        SpoilInput(batch, batch.readError);
+    if (isHead) {
+        batch.head = batch.whole;
+    }
+}
+
+bool RecordEvaluator::EvaluateRecord(RecordBatch& batch, const RecordBatch::Record& record) {
+    RecordBatch::Failure failure;
+    QueryFailure reason;
+    const Ref<IObject> value = values->Make(batch, record, failure);
+    bool isEvaluated = static_cast<bool>(value);
+    if (isEvaluated) {
+        SetValue(value.Get());
+        if (options.isFilter) {
+            bool verdict = false;
+            isEvaluated = runner.Test(verdict, reason);
+            if (isEvaluated && verdict) {
+                batch.output += batch.GetText(record);
+                batch.output += '\n';
+            }
+        } else {
+            isEvaluated = runner.Evaluate(batch.output, reason);
+        }
+        SetValue(nullptr);
+        if (!isEvaluated) {
+            failure.message = std::move(reason.message);
+            failure.caret = std::move(reason.caret);
+        }
+    }
+    if (!isEvaluated) {
+        failure.outputSize = batch.output.size();
+        failure.record = batch.whole.records;
+        batch.failures.push_back(std::move(failure));
+        if (options.onError == OnError::Null) {
+            batch.output += nullLine;
+        }
+    }
+    return isEvaluated;
+}
+
+/// Null: there is none any more.
+void RecordEvaluator::SetValue(IObject* value) {
+    if (options.recordFormat == RecordFormat::Lines) {
+        runner.SetVariable(value);
+    } else {
+        runner.SetRecord(value);
     }
 }
 

@@ -1,9 +1,11 @@
 // The records of all inputs, in batches.
 #pragma once
 
-#include "JsonDocuments.h"
 #include "RecordBatch.h"
+#include "RecordSource.h"
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,11 +15,14 @@ namespace OrvUQL::Tool {
 /// Reads one input after the other. What cannot be opened or read comes as a batch with a readError.
 class RecordReader {
 public:
-    /// The paths are borrowed.
-    explicit RecordReader(const std::vector<std::string>& inputPaths) : paths(inputPaths) {}
+    /// Opens the input of that name; null with the reason in `error`.
+    using Open = std::function<std::unique_ptr<RecordSource>(const std::string& path, std::string& error)>;
+
+    /// The paths are borrowed. A batch has up to `batchRecords` records.
+    RecordReader(const std::vector<std::string>& inputPaths, Open openInput, std::size_t batchRecords);
 
     enum EResult {
-        Batch,     ///< `batch` has records or a readError
+        Batch,     ///< `batch` has records, a readError or a new header
         End,       ///< there are no more
         WouldWait, ///< nothing is there yet
     };
@@ -25,18 +30,23 @@ public:
     /// With `wait` false never waits for input.
     EResult Next(RecordBatch& batch, bool wait);
 
-    /// Gives up what is left of an input, if it is being read.
-    void Skip(std::size_t skippedInput);
+    /// How much of all inputs has been read, from 0 to 1, if that is known.
+    std::optional<double> GetFraction() const;
+
+    /// As many records as a batch has for the best speed.
+    static constexpr std::size_t manyRecords = 256;
 
 private:
-    bool Open(std::string& error);
     std::size_t GetBatchLimit() const;
     void NextInput();
 
     const std::vector<std::string>& paths;
+    Open open;
+    std::size_t mostRecords;
     std::size_t input = 0;
-    std::optional<JsonDocuments> documents; // of the input that is being read
-    std::size_t nextNumber = 1;
+    std::unique_ptr<RecordSource> source;      // the input that is being read
+    std::shared_ptr<const std::string> header; // of the last batch
+    bool isHeaderNew = false;                  // no batch has brought it yet
     std::size_t batches = 0;
 };
 

@@ -1,0 +1,26 @@
+// Ctrl-C.
+#pragma once
+
+namespace OrvUQL::Tool {
+
+/// As long as it lives, the user's wish to end the program is noted instead of followed; a second one is followed.
+/// There may be one at a time. A program that was started with the signal ignored goes on ignoring it.
+class InterruptWatch {
+public:
+    InterruptWatch();
+    InterruptWatch(const InterruptWatch&) = delete;
+    InterruptWatch& operator=(const InterruptWatch&) = delete;
+    ~InterruptWatch();
+
+    /// Whether the user wants the program to end. Whoever waits for input then waits no longer: it looks as if it had
+    /// ended.
+    static bool IsInterrupted();
+
+    /// Ends the process as it would have ended if nobody had watched.
+    [[noreturn]] static void EndProcess();
+
+    /// A descriptor that can be read once the user wants the program to end; -1 if there is none.
+    static int GetDescriptor();
+};
+
+} // namespace OrvUQL::Tool
