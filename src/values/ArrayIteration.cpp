@@ -6,6 +6,8 @@
 #include "platform/CaseMap.h"
 #include "values/ItemEvaluation.h"
 
+#include <algorithm>
+
 namespace OrvUQL {
 
 /// A fold: each evaluation sees the result of the one before as `$lasteval`, the first one the initial value.
@@ -56,6 +58,10 @@ bool TakeTruth(detail::Value value, bool& truth, IError** err) {
 
 /// The items for which the expression is true.
 bool Filter(const detail::ItemSource& items, detail::ItemEvaluation& evaluation, ObjectList& list, IError** err) {
+    if (items.IsFixed()) {           // a host's array is not asked more often than it has to be
+        constexpr int fewItems = 16; // room for so many is no waste even if none is kept
+        list.reserve(static_cast<std::size_t>(std::min(items.Count(), fewItems)));
+    }
     for (int index = 0; index < items.Count(); ++index) {
         Reference<IObject> item(items.Item(index));
         if (!item) {
