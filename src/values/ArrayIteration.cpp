@@ -14,11 +14,11 @@ namespace OrvUQL {
 IObject* ObjectArrayBase::Method_ForEach(QueryEngine* engine, const OrvStringT&, const ObjectList& params,
                                          IError** err) {
     const IQueryElement* const expression = GetQueryElement(params[1]);
-    if (expression == nullptr) {
+    const detail::ItemSource items(*this);
+    if (expression == nullptr || items.Count() == 0) { // nothing else is asked or touched then
         params[0]->AddRef();
         return params[0];
     }
-    const detail::ItemSource items(*this);
     detail::ItemEvaluation evaluation(engine, expression, params[2], err); // may throw, so before there is a result
     params[0]->AddRef();
     detail::Value result = detail::Value::Object(params[0]); // without an owner: in registers

@@ -44,6 +44,20 @@ TEST_F(Iteration, MakesAnIteratorTheVariable) {
     }
 }
 
+// Whether there is anything to fold is asked before all else, and the count before each item.
+TEST_F(Iteration, AsksAHostsArrayForItsCountAsOftenAsTheRuleDoes) {
+    for (const int count : {0, 2}) {
+        const Ref<HostArray> array = Make<HostArray>(count, [](int index) { return new ObjectInt(index); });
+        int asked = 0;
+        array->onCount = [&] { ++asked; };
+        host.engine.SetPropertySource(array.Get());
+        const Ref<IObject> sum = host.Evaluate(L"@ForEach(5, $lasteval + $item)");
+        host.engine.SetPropertySource(nullptr);
+        EXPECT_EQ(Describe(sum.Get()), count == 0 ? "int 5" : "int 6");
+        EXPECT_EQ(asked, count == 0 ? 1 : 4);
+    }
+}
+
 TEST_F(Iteration, PutsNoVariableBackWhereNoneWas) {
     for (const wchar_t* const method : iteratingMethods) {
         Call(MakeNumbers(3), method, [](QueryEngine*, IError**) { return new ObjectInt(0); });
