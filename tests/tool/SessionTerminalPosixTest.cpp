@@ -55,6 +55,7 @@ public:
             ::setenv("TERM", "xterm", 1);
             ::setenv("XDG_STATE_HOME", state.GetPath().c_str(), 1);
             ::setenv("HOME", "/nonexistent", 1);
+            ::signal(SIGINT, SIG_DFL); // which a shell that starts the tests in the background has ignored
             coloured ? ::unsetenv("NO_COLOR") : ::setenv("NO_COLOR", "1", 1);
             ::execl(UQL_PATH, "uql", static_cast<char*>(nullptr));
             ::_exit(127);
