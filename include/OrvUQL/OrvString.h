@@ -300,6 +300,9 @@ public:
     friend OrvStringT operator+(const wchar_t* a, const OrvStringT& b) { return OrvStringT(a) + b; }
     friend OrvStringT operator+(wchar_t a, const OrvStringT& b) { return OrvStringT(a, 1) + b; }
 
+    /// Whether no other text shares the buffer, so that a change need not copy it.
+    bool IsUnique() const noexcept { return Header().refs == 1; }
+
 private:
     wchar_t* units; ///< behind an OrvTextHeader, and terminated by U+0000
 
@@ -318,8 +321,6 @@ private:
             Header().refs = static_cast<int>(static_cast<unsigned>(Header().refs) + 1u);
         }
     }
-
-    bool IsUnique() const noexcept { return Header().refs == 1; }
 
     static OrvStringT WithLength(std::int64_t length, std::int64_t capacity);
     static OrvStringT Copy(const wchar_t* text, int length);

@@ -3,6 +3,7 @@
 
 #include "OrvUQL/Elements.h"
 #include "OrvUQL/Error.h"
+#include "OrvUQL/EvaluationLimits.h"
 #include "OrvUQL/Export.h"
 #include "OrvUQL/Object.h"
 #include "OrvUQL/ObjectArray.h"

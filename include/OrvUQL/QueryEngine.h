@@ -1,6 +1,7 @@
 // The one object a host creates to run queries.
 #pragma once
 
+#include "OrvUQL/EvaluationLimits.h"
 #include "OrvUQL/Object.h"
 #include "OrvUQL/QueryElement.h"
 #include "OrvUQL/Unit.h"
@@ -12,6 +13,36 @@ namespace OrvUQL {
 namespace detail {
 struct CallSite;
 struct EngineAccess;
+} // namespace detail
+
+namespace platform {
+class Meter;
+}
+
+namespace detail {
+
+/// What an engine does about an evaluation as a whole. A copy has the same settings, and nothing under way.
+struct EvaluationState {
+    EvaluationState() noexcept = default;
+    EvaluationState(const EvaluationState& other) noexcept { *this = other; }
+    EvaluationState& operator=(const EvaluationState& other) noexcept {
+        isWatched = other.isWatched;
+        isLimited = other.isLimited;
+        releasesKept = other.releasesKept;
+        limits = other.limits;
+        return *this;
+    }
+
+    bool isWatched = false; ///< one of the next two
+    bool isLimited = false;
+    bool releasesKept = false;
+    int depth = 0; ///< of the evaluations that are under way inside each other
+    EvaluationLimits limits;
+    EvaluationUsage usage;            ///< of the last one with limits
+    platform::Meter* meter = nullptr; ///< of the one with limits that is under way
+    std::vector<IObject*> kept;       ///< references to be given back when it ends
+};
+
 } // namespace detail
 
 /// Parses queries, evaluates them, and carries what names in a query stand for. One engine serves one thread at a time.
@@ -51,6 +82,26 @@ public:
     /// 0-based position, in code units of the query text, of the last parse error or of the innermost element whose
     /// evaluation failed; -1 if the last ParseQuery() or Evaluate() succeeded.
     int GetErrorPosition() const noexcept { return errorPosition; }
+
+    /// Bounds for each evaluation from the next one on. Where one is exceeded the evaluation fails with "Evaluation
+    /// limit exceeded: steps", "memory" or "time", or with "Evaluation cancelled", and stays failed until the outermost
+    /// call of Evaluate() or EvaluateTo() has returned, whatever the query's methods put up with. There are none at
+    /// first; ClearLimits() takes them away. An evaluation with limits takes a few times as long, one without them no
+    /// longer than ever.
+    ///
+    /// Host objects see such an end as they see the end of memory: what they ask for fails, and making a value throws
+    /// std::bad_alloc, which may pass through them.
+    void SetLimits(const EvaluationLimits& newLimits) noexcept;
+    void ClearLimits() noexcept;
+    /// What the evaluation with limits that is under way has taken by now, or else the last one. To count without a
+    /// bound, set the limits that EvaluationLimits has at first.
+    EvaluationUsage GetUsage() const noexcept;
+
+    /// The references that the array methods AddArray and Unique take and never give back: if true, they are given back
+    /// when the outermost call of Evaluate() or EvaluateTo() is over. False at first, and for hosts that rely on it
+    /// that items of theirs stay alive.
+    void SetReleaseKeptReferences(bool release) noexcept;
+    bool GetReleaseKeptReferences() const noexcept { return state.releasesKept; }
 
     /// The object of bare names, borrowed.
     IObject* GetGlobal() const noexcept { return global; }
@@ -109,6 +160,8 @@ private:
     template <class Out> bool EvaluateAs(IQueryElement* element, Out& out, IError** err);
     template <class Out> static bool ConvertAs(detail::Value value, Out& out, IError** err);
     bool FailAtRoot(const IQueryElement* element) noexcept;
+    ORVUQL_NOINLINE IObject* EvaluateWatched(IQueryElement* element, IError** err);
+    template <class Out> ORVUQL_NOINLINE bool EvaluateWatchedAs(IQueryElement* element, Out& out, IError** err);
 
     std::vector<IUnitFactory*> unitFactories;
     std::vector<IObject*> groupParentStack;
@@ -119,6 +172,7 @@ private:
     IObject* variable = nullptr;
     int unitPrecision = 0;
     int errorPosition = -1;
+    detail::EvaluationState state;
     const detail::CallSite* callSite = nullptr;
     std::vector<const IQueryElement*> spine;
 };

@@ -46,7 +46,12 @@ ORVUQL_API void ReleaseNested(IRefCountObject* const* objects, std::size_t count
 
 namespace detail {
 struct CountAccess;
-}
+
+/// What lists keep their entries in. Throws std::bad_alloc.
+ORVUQL_API void* AllocateEntries(std::size_t bytes);
+/// Gives back what AllocateEntries() returned for the same number of bytes; null is ignored.
+ORVUQL_API void FreeEntries(void* entries, std::size_t bytes) noexcept;
+} // namespace detail
 
 /// Implements counting for the interface T. A new object has count 1: it is born owned by its creator.
 template <class T> class ORVUQL_SHARED_TYPE RefCountImpl : public T {
@@ -223,7 +228,7 @@ private:
         if (capacity > maximum) {
             throw std::length_error("RefCountList");
         }
-        T** const fresh = static_cast<T**>(::operator new(capacity * sizeof(T*)));
+        T** const fresh = static_cast<T**>(detail::AllocateEntries(capacity * sizeof(T*)));
         if (count != 0) {
             std::memcpy(fresh, items, count * sizeof(T*));
         }
@@ -235,7 +240,7 @@ private:
 
     void FreeStorage() noexcept {
         if (!external) {
-            ::operator delete(items);
+            detail::FreeEntries(items, room * sizeof(T*));
         }
     }
 

@@ -4,6 +4,7 @@
 
 #include "com/Automation.h"
 #include "core/Failure.h"
+#include "platform/Meter.h"
 
 namespace OrvUQL {
 
@@ -234,6 +235,7 @@ IObject* ObjectCom::Method_ToArray(QueryEngine*, const OrvStringT&, const Object
         if (!value) {
             return nullptr;
         }
+        platform::Charge(1);
         items.push_back(value.Get());
         value.Detach();
     }

@@ -6,6 +6,7 @@
 
 #include "com/Automation.h"
 #include "core/Failure.h"
+#include "platform/Meter.h"
 
 #include <algorithm>
 
@@ -98,6 +99,7 @@ HRESULT FillArray(const ObjectBase& value, VARIANT& out, IError** err) {
         return E_FAIL;
     }
     for (int index = 0; index < count; ++index) {
+        platform::Charge(1);
         const Reference<IObject> item(source->GetItem(index));
         const HRESULT result = item ? item->ToVariant(elements[index], err) : E_FAIL;
         if (FAILED(result)) {

@@ -13,6 +13,7 @@
 #include "com/Automation.h"
 #include "com/SafeArray.h"
 #include "core/Failure.h"
+#include "platform/Meter.h"
 
 #include <cstdint>
 #include <cstring>
@@ -153,6 +154,7 @@ IObject* MakeArray(SAFEARRAY* array, VARTYPE arrayType, int level, IError** err)
         if (!item) {
             return nullptr;
         }
+        platform::Charge(1);
         items.push_back(item.Get());
         item.Detach();
     }

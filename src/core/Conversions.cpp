@@ -8,6 +8,7 @@
 #include "core/Failure.h"
 #include "core/NumberConversion.h"
 #include "platform/CaseMap.h"
+#include "platform/Meter.h"
 #include "platform/NumberText.h"
 
 namespace OrvUQL {
@@ -58,12 +59,14 @@ bool ObjectBase::ToString(OrvStringT& out, IError** err) const {
 }
 
 bool ObjectBase::StringToDouble(OrvStringT& text, double& out, const wchar_t* typeName, IError** err) {
+    platform::ChargeUnits(text.GetLength());
     return platform::ParseDouble(text, out) || Fail(err, message::cannotConvertString, text, typeName);
 }
 
 IObject* ObjectBase::ToNumeric(IError** err) {
     return Guarded(err, [&]() -> IObject* {
         OrvStringT text = ToString();
+        platform::ChargeUnits(text.GetLength());
         text.Trim();
         if (text.GetLength() >= 2 && text[0] == L'0' && (text[1] == L'x' || text[1] == L'X')) {
             std::size_t used = 0;

@@ -58,6 +58,21 @@ struct EngineAccess {
         return std::exchange(engine->variable, object);
     }
 
+    static EvaluationState& State(QueryEngine& engine) noexcept { return engine.state; }
+
+    /// A method keeps a reference, which is handed over, on purpose: for ever, or until the evaluation ends. Where
+    /// memory ends (std::bad_alloc) it is given back.
+    static void Keep(QueryEngine* engine, IObject* object) {
+        if (engine != nullptr && engine->state.releasesKept && engine->state.depth != 0 && object != nullptr) {
+            try {
+                engine->state.kept.push_back(object);
+            } catch (...) {
+                object->Release();
+                throw;
+            }
+        }
+    }
+
     /// Where evaluation keeps the nodes of long chains; see Spine.
     static std::vector<const IQueryElement*>& SpineStorage(QueryEngine* engine) noexcept { return engine->spine; }
 
@@ -125,7 +140,7 @@ public:
             return EvaluateElement();
         }
         try {
-            const Value value = RunProgram(code, engine, frame);
+            const Value value = RunProgram<false>(code, engine, frame);
             if (value.Failed()) [[unlikely]] {
                 EngineAccess::SetErrorPositionIfNone(engine, element->GetStringPosition());
             }

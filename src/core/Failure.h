@@ -7,6 +7,7 @@
 #include "core/Messages.h"
 #include "platform/Thread.h"
 
+#include <cstdint>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -28,15 +29,25 @@ std::nullptr_t FailNull(IError** err, const wchar_t* format, const Inserts&... i
     return nullptr;
 }
 
-/// Runs `body`. Where memory ends, the result is null or false with "Internal error". Any other exception, thrown by a
+namespace platform {
+enum class Excess : std::uint8_t;
+}
+
+/// The error for a limit of an evaluation; "Internal error" if there is none. Returns false.
+bool FailForExcess(platform::Excess excess, IError** err) noexcept;
+
+/// The failure where memory has ended, or what the evaluation may take: false, with "Internal error", or with the limit
+/// that is exceeded.
+bool FailForShortage(IError** err) noexcept;
+
+/// Runs `body`. Where memory ends, the result is null or false, as by FailForShortage(). Any other exception, thrown by a
 /// host's own object, passes through.
 template <class Body> ORVUQL_ALWAYS_INLINE auto Guarded(IError** err, Body&& body) -> decltype(body()) {
     try {
         return body();
     } catch (const std::bad_alloc&) {
     } catch (const std::length_error&) {}
-    ++platform::CurrentThread().shortages;
-    Fail(err, message::internalError);
+    FailForShortage(err);
     return decltype(body())();
 }
 

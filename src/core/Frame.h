@@ -43,6 +43,9 @@ struct Instruction;
 
 /// Runs a program. The value, or none with the position of the failing element noted; then, and where an exception
 /// comes out, values may be left in the frame. May throw.
-Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame);
+///
+/// On a thread that has a meter it is the metered form that has to be run: it charges a step for each operator, and has
+/// the elements charge theirs.
+template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame);
 
 } // namespace OrvUQL::detail

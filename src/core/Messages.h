@@ -39,6 +39,10 @@ inline constexpr const wchar_t* internalErrorInMethod = L"Internal error in meth
 inline constexpr const wchar_t* invalidNumberOfParameters = L"Invalid number of parameters";
 inline constexpr const wchar_t* invalidCharacterCode = L"Invalid character code: %1";
 
+// Limits of an evaluation; the insert is "steps", "memory" or "time".
+inline constexpr const wchar_t* limitExceeded = L"Evaluation limit exceeded: %1";
+inline constexpr const wchar_t* cancelled = L"Evaluation cancelled";
+
 // Operators and comparison.
 inline constexpr const wchar_t* cannotCompare =
     L"Cannot compare object '%1' to object '%2'. Incompatible types for this operation";

@@ -3,6 +3,7 @@
 #include "OrvUQL/ObjectString.h"
 
 #include "core/Failure.h"
+#include "platform/Meter.h"
 #include "platform/NumberText.h"
 #include "platform/Power.h"
 
@@ -55,6 +56,7 @@ IObject* MakeRadixText(int value, int radix, int width, IError** err) {
     const int length = platform::FormatInteger(value, radix, digits);
     OrvStringT text;
     if (width > length) {
+        platform::RequireUnits(width);
         text = OrvStringT(L'0', width - length);
     }
     text.Append(std::wstring_view(digits, static_cast<std::size_t>(length)));

@@ -69,6 +69,14 @@ void ReleaseNested(IRefCountObject* const* objects, std::size_t count) noexcept 
     }
 }
 
+void* detail::AllocateEntries(std::size_t bytes) { return platform::PoolAllocate(bytes); }
+
+void detail::FreeEntries(void* entries, std::size_t bytes) noexcept {
+    if (entries != nullptr) {
+        platform::PoolFree(entries, bytes);
+    }
+}
+
 QueryElementBase::~QueryElementBase() = default;
 
 void* QueryElementBase::operator new(std::size_t size) { return platform::PoolAllocate(size); }

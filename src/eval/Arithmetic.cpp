@@ -1,6 +1,7 @@
 #include "eval/Arithmetic.h"
 
 #include "eval/UnitOperands.h"
+#include "platform/Meter.h"
 #include "platform/Power.h"
 
 namespace OrvUQL::detail {
@@ -27,7 +28,12 @@ Value Concatenate(ValueHolder& left, ValueHolder& right, IError** err) {
     } else if (!AppendText(text, left.Get(), err)) {
         return Value::None();
     }
-    return AppendText(text, right.Get(), err) ? Value::Text(std::move(text)) : Value::None();
+    const int extended = text.IsUnique() ? text.GetLength() : 0;
+    if (!AppendText(text, right.Get(), err)) {
+        return Value::None();
+    }
+    platform::ChargeUnits(text.GetLength() - extended);
+    return Value::Text(std::move(text));
 }
 
 Value AddUnits(const ValueHolder& left, const ValueHolder& right, IError** err) {

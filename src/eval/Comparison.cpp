@@ -3,7 +3,10 @@
 #include "eval/Arithmetic.h"
 #include "eval/UnitOperands.h"
 #include "platform/CaseMap.h"
+#include "platform/Meter.h"
 #include "platform/Power.h"
+
+#include <algorithm>
 
 namespace OrvUQL::detail {
 
@@ -106,6 +109,7 @@ bool CompareValues(EOperType op, const Value& left, const Value& right, int unit
         if (!GetText(left, a, err) || !GetText(right, b, err)) {
             return false;
         }
+        platform::ChargeUnits(std::min(a.GetLength(), b.GetLength()));
         result = CompareStrings(op, a, b);
         return true;
     }

@@ -48,6 +48,12 @@ constexpr ElementKind KindOfNode(const OperatorBinary*) { return ElementKind::Bi
 constexpr ElementKind KindOfNode(const OperatorTernary*) { return ElementKind::Ternary; }
 
 template <class Node>
+ORVUQL_ALWAYS_INLINE Value RunUnmetered(const Node* node, QueryEngine* engine, bool wantsObject, IError** err) {
+    return CheckStack(node, engine, err) ? ElementAccess::ProgramOf(node)->RunUnmetered(engine, wantsObject, err)
+                                         : Value::None();
+}
+
+template <class Node>
 ORVUQL_ALWAYS_INLINE Value RunOperator(const Node* node, QueryEngine* engine, bool wantsObject, IError** err) {
     return CheckStack(node, engine, err) ? ElementAccess::ProgramOf(node)->Run(engine, wantsObject, err)
                                          : Value::None();
@@ -75,14 +81,14 @@ template IObject* ElementAccess::EvaluateOperator(const OperatorTernary*, QueryE
 Value EvaluateRootValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
     // As most are.
     if (&typeid(*element) == &typeid(OperatorBinary)) {
-        return RunOperator(static_cast<const OperatorBinary*>(element), engine, false, err);
+        return RunUnmetered(static_cast<const OperatorBinary*>(element), engine, false, err);
     }
     if (&typeid(*element) == &typeid(OperatorTernary)) {
-        return RunOperator(static_cast<const OperatorTernary*>(element), engine, false, err);
+        return RunUnmetered(static_cast<const OperatorTernary*>(element), engine, false, err);
     }
     switch (ElementAccess::KindOf(element)) {
     case ElementKind::Unary:
-        return RunOperator(static_cast<const OperatorUnary*>(element), engine, false, err);
+        return RunUnmetered(static_cast<const OperatorUnary*>(element), engine, false, err);
     case ElementKind::Method:
         return ElementAccess::CallValue(element, engine, err);
     default:

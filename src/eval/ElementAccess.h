@@ -192,7 +192,8 @@ template <class Work> auto WorkAt(QueryEngine* engine, int position, Work&& work
 /// Memory ended somewhere in the element.
 inline std::nullptr_t FailForMemory(const IQueryElement* element, QueryEngine* engine, IError** err) noexcept {
     EngineAccess::SetErrorPositionIfNone(engine, element->GetStringPosition());
-    return FailNull(err, message::internalError);
+    FailForShortage(err);
+    return nullptr;
 }
 
 /// Guarded(), with the position of the failing element.

@@ -3,6 +3,7 @@
 #include "OrvUQL/Scalars.h"
 
 #include "eval/ElementAccess.h"
+#include "platform/Meter.h"
 
 namespace OrvUQL {
 
@@ -21,6 +22,7 @@ IObject* ElementArray::Evaluate(QueryEngine* engine, IError** err) const {
         if (!detail::CheckStack(this, engine, err)) {
             return nullptr;
         }
+        platform::Charge(1 + items.size());
         ObjectList values;
         values.reserve(items.size());
         for (const IQueryElement* item : items) {

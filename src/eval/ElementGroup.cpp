@@ -2,6 +2,7 @@
 #include "OrvUQL/QueryEngine.h"
 
 #include "eval/ElementAccess.h"
+#include "platform/Meter.h"
 
 namespace OrvUQL {
 
@@ -21,6 +22,7 @@ IObject* ElementGroup::Evaluate(QueryEngine* engine, IError** err) const {
         if (!detail::CheckStack(this, engine, err)) {
             return nullptr;
         }
+        platform::Charge(1);
         Reference<IObject> value(detail::ElementAccess::EvaluateObject(source, kinds[0], engine, err));
         if (!value) {
             return nullptr;

@@ -1,9 +1,13 @@
 #include "OrvUQL/Elements.h"
+#include "OrvUQL/ObjectString.h"
 #include "OrvUQL/QueryEngine.h"
 
 #include "core/KnownNames.h"
 #include "eval/ElementAccess.h"
 #include "eval/Spine.h"
+#include "platform/Meter.h"
+
+#include <typeinfo>
 
 namespace OrvUQL {
 
@@ -35,8 +39,8 @@ OrvStringT CallName(const OrvStringT& name, detail::CallTarget target) {
 }
 
 /// Invokes the site's name on an object that the caller holds.
-inline IObject* Invoke(IObject* target, const detail::CallSite& site, const QueryElementList& arguments, int position,
-                       QueryEngine* engine, IError** err) {
+ORVUQL_ALWAYS_INLINE IObject* Invoke(IObject* target, const detail::CallSite& site, const QueryElementList& arguments,
+                                     int position, QueryEngine* engine, IError** err) {
     if (engine == nullptr) {
         return target->Invoke(engine, site.name.GetString(), arguments, err);
     }
@@ -53,6 +57,25 @@ inline IObject* Invoke(IObject* target, const detail::CallSite& site, const Quer
         EngineAccess::ClearErrorPosition(engine); // what failed inside was put up with
     }
     return result;
+}
+
+/// How many units a value has if it is exactly the library's text; else none.
+int UnitsOf(const IObject& object) noexcept {
+    return typeid(object) == typeid(ObjectString) ? static_cast<const ObjectString&>(object).GetValue().GetLength() : 0;
+}
+
+/// The same call, charged: what it is made on before, and what it gives behind.
+ORVUQL_NOINLINE IObject* InvokeMetered(IObject* target, const detail::CallSite& site, const QueryElementList& arguments,
+                                       int position, QueryEngine* engine, IError** err) {
+    return detail::WorkAt(engine, position, [&] {
+        platform::Charge(1);
+        platform::ChargeUnits(UnitsOf(*target));
+        Reference<IObject> result(Invoke(target, site, arguments, position, engine, err));
+        if (result && result.Get() != target) {
+            platform::ChargeUnits(UnitsOf(*result.Get()));
+        }
+        return result.Detach();
+    });
 }
 
 } // namespace
@@ -158,6 +181,9 @@ IObject* ElementMethod::FindTarget(QueryEngine* engine, IError** err) const {
 }
 
 IObject* ElementMethod::Call(IObject* target, QueryEngine* engine, IError** err) const {
+    if (platform::CurrentThread().meter != nullptr) [[unlikely]] {
+        return InvokeMetered(target, site, arguments, position, engine, err);
+    }
     return Invoke(target, site, arguments, position, engine, err);
 }
 

@@ -3,6 +3,7 @@
 #include "OrvUQL/Scalars.h"
 
 #include "eval/ElementAccess.h"
+#include "platform/Meter.h"
 
 #include <typeinfo>
 
@@ -69,6 +70,7 @@ bool ElementObject::IsUnmade() const noexcept {
 
 IObject* ElementObject::MakeValue() const noexcept {
     if (IsUnmade()) {
+        const platform::UnmeteredScope asPartOfTheTree;
         value = Guarded(nullptr, [&] { return detail::Box(ElementAccess::LiteralScalar(this)); });
     }
     return value;

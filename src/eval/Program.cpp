@@ -6,6 +6,7 @@
 #include "eval/Arithmetic.h"
 #include "eval/Comparison.h"
 #include "eval/ElementAccess.h"
+#include "platform/Meter.h"
 
 #include <memory>
 
@@ -161,10 +162,55 @@ ORVUQL_NOINLINE Value ApplySign(const Instruction& instruction, Value value, Que
                   [&] { return EvaluateSign(instruction.code == OperatorCode::Minus, holder, err); });
 }
 
+// Where a meter counts, each operator is a step, and each element is asked for itself, so that it counts its own.
+
+constexpr bool IsStep(Action action) noexcept {
+    switch (action) {
+    case Action::LoadInt:
+    case Action::LoadDouble:
+    case Action::LoadBool:
+    case Action::LoadNull:
+    case Action::LoadText:
+    case Action::LoadRead:
+    case Action::LoadItem:
+    case Action::LoadLast:
+    case Action::LoadCall:
+    case Action::LoadElement:
+    case Action::LoadResult:
+    case Action::Push:
+    case Action::Truth: // of the operator before
+    case Action::Jump:
+    case Action::Fail:
+    case Action::End:
+        return false;
+    default:
+        return true;
+    }
+}
+
+/// Before an instruction. The accumulator is disposed of where that is one too many.
+void ChargeFor(const Instruction& instruction, const Value& accumulator, QueryEngine* engine) {
+    if (!IsStep(instruction.action)) {
+        return;
+    }
+    try {
+        platform::Charge(1);
+    } catch (...) {
+        Dispose(accumulator);
+        FailAt(engine, instruction.position);
+        throw;
+    }
+}
+
+Value AskElement(const Instruction& instruction, QueryEngine* engine, IError** err) {
+    return Unbox(ElementAccess::EvaluateObject(instruction.element, ElementKind::Method, engine, err));
+}
+
 /// Evaluates the right operand while the left one waits, which is disposed of if that fails.
+template <bool isMetered>
 ORVUQL_NOINLINE Value EvaluateBeside(Value left, const Instruction& instruction, QueryEngine* engine, IError** err) {
     ValueHolder waiting(left);
-    const Value right = instruction.action != Action::CombineElement
+    const Value right = instruction.action != Action::CombineElement && !isMetered
                             ? ElementAccess::CallValue(instruction.element, engine, err)
                             : Unbox(ElementAccess::EvaluateObject(instruction.element, instruction.kind, engine, err));
     if (!right.Failed()) {
@@ -174,8 +220,9 @@ ORVUQL_NOINLINE Value EvaluateBeside(Value left, const Instruction& instruction,
 }
 
 /// The value of the program's result, which is that of an element.
+template <bool isMetered>
 ORVUQL_NOINLINE Value LoadResult(const Instruction& instruction, QueryEngine* engine, const Frame& frame) {
-    if (!frame.wantsObject) {
+    if (!frame.wantsObject && !isMetered) {
         if (instruction.kind == ElementKind::Object) {
             if (ElementAccess::LiteralKind(instruction.element) == ValueKind::Text) {
                 return LiteralText(instruction);
@@ -204,11 +251,20 @@ ORVUQL_NOINLINE Value LoadResult(const Instruction& instruction, QueryEngine* en
     ORVUQL_NEXT();
 #define ORVUQL_ON(name)                                                                                                \
     name:
-#define ORVUQL_NEXT() goto* places[static_cast<std::size_t>(at->action)]
+#define ORVUQL_NEXT()                                                                                                  \
+    do {                                                                                                               \
+        if constexpr (isMetered) {                                                                                     \
+            ChargeFor(*at, accumulator, engine);                                                                       \
+        }                                                                                                              \
+        goto* places[static_cast<std::size_t>(at->action)];                                                            \
+    } while (false)
 #define ORVUQL_FINISH()
 #else
 #define ORVUQL_START()                                                                                                 \
     for (;;) {                                                                                                         \
+        if constexpr (isMetered) {                                                                                     \
+            ChargeFor(*at, accumulator, engine);                                                                       \
+        }                                                                                                              \
         switch (at->action) {
 #define ORVUQL_ON(name) case Action::name:
 #define ORVUQL_NEXT() continue
@@ -217,7 +273,7 @@ ORVUQL_NOINLINE Value LoadResult(const Instruction& instruction, QueryEngine* en
     }
 #endif
 
-Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame) {
+template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame) {
     Value accumulator = Value::None(); // without an owner: whoever is handed it disposes of it
     Value right = Value::None();
     ORVUQL_START()
@@ -242,28 +298,44 @@ Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame) {
     ++at;
     ORVUQL_NEXT();
     ORVUQL_ON(LoadRead)
-    accumulator = ElementAccess::ReadValue(at->element, engine, frame.err);
+    if constexpr (isMetered) {
+        accumulator = AskElement(*at, engine, frame.err);
+    } else {
+        accumulator = ElementAccess::ReadValue(at->element, engine, frame.err);
+    }
     if (accumulator.Failed()) {
         return accumulator;
     }
     ++at;
     ORVUQL_NEXT();
     ORVUQL_ON(LoadItem)
-    accumulator = ElementAccess::ItemValue(at->element, engine, frame.err);
+    if constexpr (isMetered) {
+        accumulator = AskElement(*at, engine, frame.err);
+    } else {
+        accumulator = ElementAccess::ItemValue(at->element, engine, frame.err);
+    }
     if (accumulator.Failed()) {
         return accumulator;
     }
     ++at;
     ORVUQL_NEXT();
     ORVUQL_ON(LoadLast)
-    accumulator = ElementAccess::LastValue(at->element, engine, frame.err);
+    if constexpr (isMetered) {
+        accumulator = AskElement(*at, engine, frame.err);
+    } else {
+        accumulator = ElementAccess::LastValue(at->element, engine, frame.err);
+    }
     if (accumulator.Failed()) {
         return accumulator;
     }
     ++at;
     ORVUQL_NEXT();
     ORVUQL_ON(LoadCall)
-    accumulator = ElementAccess::CallValue(at->element, engine, frame.err);
+    if constexpr (isMetered) {
+        accumulator = AskElement(*at, engine, frame.err);
+    } else {
+        accumulator = ElementAccess::CallValue(at->element, engine, frame.err);
+    }
     if (accumulator.Failed()) {
         return accumulator;
     }
@@ -278,7 +350,7 @@ Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame) {
     ORVUQL_NEXT();
 
     ORVUQL_ON(LoadResult)
-    accumulator = LoadResult(*at, engine, frame);
+    accumulator = LoadResult<isMetered>(*at, engine, frame);
     if (accumulator.Failed()) {
         return accumulator;
     }
@@ -294,7 +366,7 @@ Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame) {
                 Fail(frame.err, message::integerOverflow);
                 return FailAtInstruction(*at, engine);
             }
-        } while ((++at)->action == Action::AddInt);
+        } while ((++at)->action == Action::AddInt && !isMetered);
         accumulator = Value::Int(static_cast<int>(sum));
         ORVUQL_NEXT();
     }
@@ -334,7 +406,7 @@ Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame) {
     right = Value::Double(at->number);
     goto combine;
     ORVUQL_ON(CombineText)
-    if (accumulator.kind == ValueKind::Text && at->code <= OperatorCode::NotEqual) {
+    if (!isMetered && accumulator.kind == ValueKind::Text && at->code <= OperatorCode::NotEqual) {
         accumulator = CompareWithLiteral(*at, accumulator);
         ++at;
         ORVUQL_NEXT();
@@ -342,28 +414,37 @@ Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame) {
     right = LiteralText(*at);
     goto combine;
     ORVUQL_ON(CombineRead)
-    right = NeedsOwner(accumulator) ? EvaluateBeside(accumulator, *at, engine, frame.err)
-                                    : ElementAccess::ReadValue(at->element, engine, frame.err);
+    if (isMetered || NeedsOwner(accumulator)) {
+        right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
+    } else {
+        right = ElementAccess::ReadValue(at->element, engine, frame.err);
+    }
     if (right.Failed()) {
         return right;
     }
     goto combine;
     ORVUQL_ON(CombineItem)
-    right = NeedsOwner(accumulator) ? EvaluateBeside(accumulator, *at, engine, frame.err)
-                                    : ElementAccess::ItemValue(at->element, engine, frame.err);
+    if (isMetered || NeedsOwner(accumulator)) {
+        right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
+    } else {
+        right = ElementAccess::ItemValue(at->element, engine, frame.err);
+    }
     if (right.Failed()) {
         return right;
     }
     goto combine;
     ORVUQL_ON(CombineCall)
-    right = NeedsOwner(accumulator) ? EvaluateBeside(accumulator, *at, engine, frame.err)
-                                    : ElementAccess::CallValue(at->element, engine, frame.err);
+    if (isMetered || NeedsOwner(accumulator)) {
+        right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
+    } else {
+        right = ElementAccess::CallValue(at->element, engine, frame.err);
+    }
     if (right.Failed()) {
         return right;
     }
     goto combine;
     ORVUQL_ON(CombineElement)
-    right = EvaluateBeside(accumulator, *at, engine, frame.err);
+    right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
     if (right.Failed()) {
         return right;
     }
@@ -444,10 +525,19 @@ combine : {
 #pragma GCC diagnostic pop
 #endif
 
+template Value RunProgram<false>(const Instruction* at, QueryEngine* engine, Frame& frame);
+template Value RunProgram<true>(const Instruction* at, QueryEngine* engine, Frame& frame);
+
 Value Program::RunDeep(QueryEngine* engine, bool wantsObject, IError** err) const {
     const std::unique_ptr<Value[]> room(new Value[depth]);
     Frame frame(room.get(), wantsObject, err);
-    return RunProgram(Code(), engine, frame);
+    return RunProgram<false>(Code(), engine, frame);
+}
+
+Value Program::RunMetered(QueryEngine* engine, bool wantsObject, IError** err) const {
+    const std::unique_ptr<Value[]> room(new Value[depth]);
+    Frame frame(room.get(), wantsObject, err);
+    return RunProgram<true>(Code(), engine, frame);
 }
 
 } // namespace OrvUQL::detail

@@ -19,6 +19,7 @@
 
 #include "core/Frame.h"
 #include "eval/OperatorCode.h"
+#include "platform/Thread.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -101,15 +102,25 @@ public:
     /// The value, or none with the position of the failing element noted. Where the tree's value is that of an element
     /// which is no operator, `wantsObject` tells whether it has to be that element's object. May throw.
     Value Run(QueryEngine* engine, bool wantsObject, IError** err) const {
+        if (platform::CurrentThread().meter != nullptr) [[unlikely]] {
+            return RunMetered(engine, wantsObject, err);
+        }
+        return RunUnmetered(engine, wantsObject, err);
+    }
+
+    /// The same for an evaluation that no meter counts.
+    Value RunUnmetered(QueryEngine* engine, bool wantsObject, IError** err) const {
         if (depth > Frame::nearDepth) [[unlikely]] {
             return RunDeep(engine, wantsObject, err);
         }
         Frame frame(wantsObject, err);
-        return RunProgram(Code(), engine, frame);
+        return RunProgram<false>(Code(), engine, frame);
     }
 
-    /// What RunProgram() runs, where a plain frame has room enough; else null.
-    const Instruction* PlainCode() const noexcept { return depth > Frame::nearDepth ? nullptr : Code(); }
+    /// What RunProgram() runs, where a plain frame has room enough and nobody counts; else null.
+    const Instruction* PlainCode() const noexcept {
+        return depth > Frame::nearDepth || platform::CurrentThread().meter != nullptr ? nullptr : Code();
+    }
 
 private:
     std::size_t count; // of instructions, which stand behind this
@@ -121,6 +132,7 @@ private:
     static std::size_t ByteSize(std::size_t instructionCount) noexcept {
         return sizeof(Program) + instructionCount * sizeof(Instruction);
     }
+    Value RunMetered(QueryEngine* engine, bool wantsObject, IError** err) const;
     Value RunDeep(QueryEngine* engine, bool wantsObject, IError** err) const;
     const Instruction* Code() const noexcept { return reinterpret_cast<const Instruction*>(this + 1); }
 };

@@ -4,6 +4,7 @@
 #include "eval/ElementAccess.h"
 #include "eval/Program.h"
 #include "platform/CaseMap.h"
+#include "platform/Meter.h"
 #include "platform/Pool.h"
 
 #include <algorithm>
@@ -322,6 +323,7 @@ private:
 } // namespace
 
 const Program* Program::Compile(const IQueryElement* element, ElementKind kind) {
+    const platform::UnmeteredScope asPartOfTheTree;
     Compiler compiler;
     compiler.Compile(element, kind);
     const std::vector<Instruction>& code = compiler.Code();

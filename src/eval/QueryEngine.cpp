@@ -5,6 +5,7 @@
 #include "eval/Arithmetic.h"
 #include "eval/Comparison.h"
 #include "eval/ElementAccess.h"
+#include "eval/EvaluationWatch.h"
 #include "eval/UnitOperands.h"
 
 namespace OrvUQL {
@@ -66,6 +67,9 @@ QueryEngine::~QueryEngine() {
 
 IObject* QueryEngine::Evaluate(IQueryElement* element, IError** err) {
     errorPosition = -1;
+    if (state.isWatched) [[unlikely]] {
+        return EvaluateWatched(element, err);
+    }
     IObject* const value = Guarded(err, [&] { return element->Evaluate(this, err); });
     if (value != nullptr) {
         errorPosition = -1; // a failure on the way that somebody put up with is none of the query's
@@ -127,6 +131,9 @@ bool ConvertTo(const detail::Value& value, OrvStringT& out, IError** err) {
 
 template <class Out> bool QueryEngine::EvaluateAs(IQueryElement* element, Out& out, IError** err) {
     errorPosition = -1;
+    if (state.isWatched) [[unlikely]] {
+        return EvaluateWatchedAs(element, out, err);
+    }
     return Guarded(err,
                    [&] {
                        const detail::Value value = detail::EvaluateRootValue(element, this, err);
@@ -148,6 +155,92 @@ template <class Out> ORVUQL_NOINLINE bool QueryEngine::ConvertAs(detail::Value v
     }
     out = std::move(converted);
     return true;
+}
+
+namespace {
+
+/// Collects the error of an evaluation that may have to have another one.
+class InnerError {
+public:
+    /// None is wanted where the caller wants none.
+    explicit InnerError(IError** outerError) noexcept : outer(outerError) {}
+    InnerError(const InnerError&) = delete;
+    InnerError& operator=(const InnerError&) = delete;
+    ~InnerError() { Reference<IError> disposed(error); }
+
+    IError** Get() noexcept { return outer == nullptr ? nullptr : &error; }
+    void HandOver() noexcept {
+        if (error != nullptr) {
+            *outer = std::exchange(error, nullptr);
+        }
+    }
+
+private:
+    IError** outer;
+    IError* error = nullptr;
+};
+
+} // namespace
+
+IObject* QueryEngine::EvaluateWatched(IQueryElement* element, IError** err) {
+    const detail::EvaluationWatch watch(*this);
+    InnerError error(err);
+    Reference<IObject> value(Guarded(error.Get(), [&] { return element->Evaluate(this, error.Get()); }));
+    if (watch.HasEnded(err)) {
+        value.Reset(nullptr);
+    } else {
+        error.HandOver();
+    }
+    if (value) {
+        errorPosition = -1;
+    } else {
+        FailAtRoot(element);
+    }
+    return value.Detach();
+}
+
+template <class Out> bool QueryEngine::EvaluateWatchedAs(IQueryElement* element, Out& out, IError** err) {
+    const detail::EvaluationWatch watch(*this);
+    InnerError error(err);
+    Out result{};
+    const bool succeeded = Guarded(error.Get(), [&] {
+        // Not in the short ways of EvaluateAs(), which charge no steps.
+        const detail::Value value = detail::Unbox(element->Evaluate(this, error.Get()));
+        if (value.Failed()) {
+            return false;
+        }
+        errorPosition = -1;
+        return TakeExactly(value, result) || ConvertAs(value, result, error.Get());
+    });
+    if (watch.HasEnded(err)) {
+        return FailAtRoot(element);
+    }
+    error.HandOver();
+    if (!succeeded) {
+        return FailAtRoot(element);
+    }
+    out = std::move(result);
+    return true;
+}
+
+void QueryEngine::SetLimits(const EvaluationLimits& newLimits) noexcept {
+    state.limits = newLimits;
+    state.isLimited = true;
+    state.isWatched = true;
+}
+
+void QueryEngine::ClearLimits() noexcept {
+    state.isLimited = false;
+    state.isWatched = state.releasesKept;
+}
+
+EvaluationUsage QueryEngine::GetUsage() const noexcept {
+    return state.meter != nullptr ? state.meter->GetUsage() : state.usage;
+}
+
+void QueryEngine::SetReleaseKeptReferences(bool release) noexcept {
+    state.releasesKept = release;
+    state.isWatched = release || state.isLimited;
 }
 
 bool QueryEngine::FailAtRoot(const IQueryElement* element) noexcept {

@@ -1,5 +1,9 @@
 #include "platform/Pool.h"
 
+#include "platform/Meter.h"
+
+#include <utility>
+
 namespace OrvUQL::platform {
 
 #if ORVUQL_POOL
@@ -23,14 +27,43 @@ bool OpenPool(ThreadState& thread) noexcept {
 
 } // namespace
 
-void* PoolAllocateSlowly(std::size_t size) { return ::operator new(BlockSize(size)); }
+void* PoolAllocateSlowly(std::size_t size) {
+    if (Meter* const meter = CurrentThread().meter) [[unlikely]] {
+        return meter->Allocate(size);
+    }
+    return ::operator new(BlockSize(size));
+}
 
 void PoolFreeSlowly(void* block, std::size_t size) noexcept {
-    if (size <= poolLimit && OpenPool(CurrentThread())) {
+    ThreadState& thread = CurrentThread();
+    if (thread.meter != nullptr) [[unlikely]] {
+        thread.meter->Free(block, size);
+        return;
+    }
+    if (size <= poolLimit && OpenPool(thread)) {
         PoolFree(block, size);
         return;
     }
     ::operator delete(block);
+}
+
+void SwapPool(PoolList* lists) noexcept {
+    ThreadState& thread = CurrentThread();
+    OpenPool(thread); // what is given back meanwhile shall be kept
+    for (PoolList& list : thread.pool) {
+        std::swap(list, *lists++);
+    }
+}
+
+void* TakeBlock(PoolList* lists, std::size_t size) {
+    void* const block = size <= poolLimit ? PopBlock(lists[PoolClass(size)]) : nullptr;
+    return block != nullptr ? block : ::operator new(BlockSize(size));
+}
+
+void GiveBlock(PoolList* lists, void* block, std::size_t size) noexcept {
+    if (size > poolLimit || !PushBlock(lists[PoolClass(size)], block)) {
+        ::operator delete(block);
+    }
 }
 
 void ClosePool() noexcept {
@@ -46,6 +79,25 @@ void ClosePool() noexcept {
 }
 
 #else
+
+void* PoolAllocate(std::size_t size) {
+    if (Meter* const meter = CurrentThread().meter) {
+        return meter->Allocate(size);
+    }
+    return ::operator new(size);
+}
+
+void PoolFree(void* block, std::size_t size) noexcept {
+    if (Meter* const meter = CurrentThread().meter) {
+        meter->Free(block, size);
+        return;
+    }
+    ::operator delete(block);
+}
+
+void SwapPool(PoolList*) noexcept {}
+void* TakeBlock(PoolList*, std::size_t size) { return ::operator new(size); }
+void GiveBlock(PoolList*, void* block, std::size_t) noexcept { ::operator delete(block); }
 
 void ClosePool() noexcept {}
 

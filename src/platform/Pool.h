@@ -36,14 +36,31 @@ inline constexpr int poolRoom = 1024;
 void* PoolAllocateSlowly(std::size_t size);
 void PoolFreeSlowly(void* block, std::size_t size) noexcept;
 
+/// A free block of the list, or null.
+inline void* PopBlock(PoolList& list) noexcept {
+    PoolList::Block* const block = list.head;
+    if (block != nullptr) {
+        list.head = block->next;
+        ++list.room;
+    }
+    return block;
+}
+
+/// False where the list is full.
+inline bool PushBlock(PoolList& list, void* block) noexcept {
+    if (list.room <= 0) {
+        return false;
+    }
+    list.head = ::new (block) PoolList::Block{list.head};
+    --list.room;
+    return true;
+}
+
 /// At least `size` bytes (1 or more), aligned for every ordinary type. Throws std::bad_alloc.
 inline void* PoolAllocate(std::size_t size) {
     const std::size_t list = PoolClass(size);
     if (list < poolClasses) {
-        PoolList& free = CurrentThread().pool[list];
-        if (PoolList::Block* const block = free.head) {
-            free.head = block->next;
-            ++free.room;
+        if (void* const block = PopBlock(CurrentThread().pool[list])) {
             return block;
         }
     }
@@ -53,24 +70,27 @@ inline void* PoolAllocate(std::size_t size) {
 /// Gives back what PoolAllocate returned for the same `size`.
 inline void PoolFree(void* block, std::size_t size) noexcept {
     const std::size_t list = PoolClass(size);
-    if (list < poolClasses) {
-        PoolList& free = CurrentThread().pool[list];
-        if (free.room > 0) {
-            free.head = ::new (block) PoolList::Block{free.head};
-            --free.room;
-            return;
-        }
+    if (list < poolClasses && PushBlock(CurrentThread().pool[list], block)) {
+        return;
     }
     PoolFreeSlowly(block, size);
 }
 
 #else
 
-inline void* PoolAllocate(std::size_t size) { return ::operator new(size); }
-
-inline void PoolFree(void* block, std::size_t) noexcept { ::operator delete(block); }
+void* PoolAllocate(std::size_t size);
+void PoolFree(void* block, std::size_t size) noexcept;
 
 #endif
+
+// For a meter, which counts what is allocated and freed, and so has the lists' work done by the slow functions above.
+
+/// Exchanges the calling thread's lists with others.
+void SwapPool(PoolList* lists) noexcept;
+
+/// A block from the lists, or from the heap. Throws std::bad_alloc.
+void* TakeBlock(PoolList* lists, std::size_t size);
+void GiveBlock(PoolList* lists, void* block, std::size_t size) noexcept;
 
 /// Gives the calling thread's free blocks back; from then on its blocks go straight to the heap.
 void ClosePool() noexcept;

@@ -1,5 +1,6 @@
 #include "platform/Regex.h"
 
+#include "platform/Meter.h"
 #include "platform/RegexCache.h"
 #include "platform/RegexProgram.h"
 
@@ -22,7 +23,12 @@ constexpr std::size_t smallestStack = 1024 * 1024;
 
 } // namespace
 
-Regex::Regex(std::wstring_view pattern, RegexOptions options) : program(GetCachedRegex(pattern, options)) {}
+Regex::Regex(std::wstring_view pattern, RegexOptions options) : program(GetCachedRegex(pattern, options)) {
+    // As if it had been compiled: what an evaluation takes does not depend on those before it.
+    if (Meter* const meter = CurrentThread().meter) {
+        meter->Note(program->States() / statesPerStep);
+    }
+}
 
 Regex::Regex(const Regex& other) noexcept : program(other.program) { program->AddRef(); }
 
@@ -39,7 +45,7 @@ RegexMatcher::RegexMatcher(const Regex& regex, std::wstring_view matchedText) : 
     guard.price = regex.Program().StepPrice();
 }
 
-bool RegexMatcher::MatchAll() { return Run(0, std::regex_constants::match_default, true); }
+bool RegexMatcher::MatchAll() { return RunMetered(0, std::regex_constants::match_default, true); }
 
 bool RegexMatcher::Next() {
     if (!isStarted) {
@@ -72,12 +78,31 @@ bool RegexMatcher::Next() {
 RegexSpan RegexMatcher::Rest() const noexcept { return {restStart, text.size() - restStart, true}; }
 
 bool RegexMatcher::Search(std::size_t start, std::regex_constants::match_flag_type flags) {
-    if (!Run(start, flags, false)) {
+    if (!RunMetered(start, flags, false)) {
         isAtEnd = true;
         return false;
     }
     restStart = groups[0].End();
     return true;
+}
+
+/// Charges the thread's meter, if it has one, for the steps that the match takes, also if it is given up.
+bool RegexMatcher::RunMetered(std::size_t start, std::regex_constants::match_flag_type flags, bool wholeText) {
+    if (CurrentThread().meter == nullptr) {
+        return Run(start, flags, wholeText);
+    }
+    struct Bill {
+        const RegexGuard& guard;
+        std::uint64_t before;
+        ~Bill() { CurrentThread().meter->Note((before - guard.steps) / matcherStepsPerStep); }
+    };
+    bool found = false;
+    {
+        const Bill bill{guard, guard.steps};
+        found = Run(start, flags, wholeText);
+    }
+    Charge(0);
+    return found;
 }
 
 bool RegexMatcher::Run(std::size_t start, std::regex_constants::match_flag_type flags, bool wholeText) {
@@ -130,6 +155,10 @@ bool RegexMatcher::RunSequence(const RegexSequence& sequence, std::size_t start,
 bool RegexMatcher::RunOnce(std::uintptr_t limit, std::size_t start, std::regex_constants::match_flag_type flags,
                            bool wholeText) {
     guard.Restart(limit);
+    struct Finish {
+        RegexGuard& guard;
+        ~Finish() { guard.Finish(); }
+    } const finish{guard};
     const RegexIterator first(text.data() + start, &guard);
     const RegexIterator last(text.data() + text.size(), &guard);
     const bool found = expression.Program().Execute(first, last, results, flags, wholeText);

@@ -90,6 +90,7 @@ private:
     std::regex_constants::match_flag_type stepFlags = std::regex_constants::match_default;
 
     bool Search(std::size_t start, std::regex_constants::match_flag_type flags);
+    bool RunMetered(std::size_t start, std::regex_constants::match_flag_type flags, bool wholeText);
     bool Run(std::size_t start, std::regex_constants::match_flag_type flags, bool wholeText);
     bool RunSequence(const RegexSequence& sequence, std::size_t start, std::regex_constants::match_flag_type flags,
                      bool wholeText);

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <iterator>
 #include <regex>
+#include <utility>
 
 /// What keeps the standard library's matcher within bounds. It recurses for each character and backtracks without end;
 /// all that can be had of it is the iterator that it is given. Every state that it enters compares or assigns
@@ -16,7 +17,9 @@ namespace OrvUQL::platform {
 /// The bounds of one match: how deep it may recurse, and how many steps it may take.
 struct RegexGuard {
     std::uintptr_t stackLimit = 0; ///< the lowest address that a frame may have
-    std::uint64_t steps = 0;       ///< left for the whole of a call
+    std::uint64_t steps = 0;       ///< left for the whole of a call, without those put aside
+    std::uint64_t aside = 0;       ///< where the thread has a meter, which is asked now and then: what comes later
+    std::uint64_t first = 0;       ///< how many there were in all when the meter was charged last
     std::uint64_t price = 1;       ///< of one step, 1 or more
 
     /// What ran out.
@@ -35,13 +38,21 @@ struct RegexGuard {
     void Restart(std::uintptr_t limit) noexcept {
         stackLimit = limit;
         lack = Lack::None;
+        if (CurrentThread().meter != nullptr) {
+            aside = std::exchange(steps, 0);
+            first = aside;
+        }
     }
+
+    /// Ends it.
+    void Finish() noexcept { steps += std::exchange(aside, 0); }
 
     static std::uintptr_t StackPointer() noexcept { return ORVUQL_FRAME_ADDRESS(); }
 
 private:
     std::uint64_t grace = 0;
 
+    bool TakeMore() noexcept;
     bool GiveUp();
 };
 

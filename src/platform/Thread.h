@@ -11,6 +11,8 @@
 /// What the library keeps for each thread, and how much of the thread's stack is left.
 namespace OrvUQL::platform {
 
+class Meter;
+
 // ---- the parts of a thread's state ----
 
 /// The free blocks of one size; see Pool.h.
@@ -63,6 +65,9 @@ struct ThreadState {
     std::uintptr_t foreignLow = 0;
     std::uintptr_t foreignTop = 0;
     bool stackKnown = false;
+
+    /// Of the evaluation that is under way, if it has limits; see Meter.h.
+    Meter* meter = nullptr;
 
     bool poolOpen = false;
     bool poolClosed = false;

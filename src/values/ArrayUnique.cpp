@@ -10,6 +10,9 @@
 #include "OrvUQL/QueryEngine.h"
 #include "OrvUQL/Scalars.h"
 
+#include "core/EngineAccess.h"
+#include "platform/Meter.h"
+
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -154,6 +157,7 @@ public:
             return std::exchange(emptySlot, true) || Keep(nullptr);
         }
         const Key key = KeyOf(*candidate);
+        platform::ChargeUnits(static_cast<std::int64_t>(key.text.size()));
         if (key.kind == Key::Foreign) {
             if (IsAmong(engine, values, values.size(), candidate)) {
                 return true;
@@ -182,6 +186,7 @@ private:
     template <class List>
     static bool IsAmong(QueryEngine* engine, const List& list, std::size_t count, IObject* candidate) {
         for (std::size_t position = 0; position < count; ++position) {
+            platform::Charge(1);
             if (AreEqual(engine, list[position], candidate)) {
                 return true;
             }
@@ -218,8 +223,11 @@ IObject* ObjectArrayBase::Method_Unique(QueryEngine* engine, const OrvStringT&, 
     KeptValues kept;
     for (int position = 0; position < GetCount(); ++position) {
         // The reference that GetItem gives is never given back, neither for a kept item nor for a repeated one. Hosts
-        // rely on it that items of theirs stay alive; deliberately kept.
-        kept.KnowsOrKeeps(engine, GetItem(position));
+        // rely on it that items of theirs stay alive; deliberately kept, unless the engine is told otherwise.
+        platform::Charge(1);
+        IObject* const item = GetItem(position);
+        detail::EngineAccess::Keep(engine, item);
+        kept.KnowsOrKeeps(engine, item);
     }
     return new ObjectArray(kept.Take());
 }

@@ -9,6 +9,7 @@
 #include "core/EngineAccess.h"
 #include "core/Failure.h"
 #include "core/Value.h"
+#include "platform/Meter.h"
 #include "values/IteratorAccess.h"
 
 #include <typeinfo>
@@ -80,13 +81,15 @@ ORVUQL_ALWAYS_INLINE Value ItemEvaluation::Evaluate(Value lasteval, IObject* ite
     return expression.Evaluate();
 }
 
-/// The items of an array, read without a virtual call where its class is the library's own, whose items never change.
+/// The items of an array, read without a virtual call where its class is the library's own, whose items never change,
+/// and nobody counts: each is a step.
 class ItemSource {
 public:
     explicit ItemSource(const ObjectArrayBase& source)
         : array(source),
-          list(typeid(source) == typeid(ObjectArray) ? &static_cast<const ObjectArray&>(source).GetObjectList()
-                                                     : nullptr) {}
+          list(typeid(source) == typeid(ObjectArray) && platform::CurrentThread().meter == nullptr
+                   ? &static_cast<const ObjectArray&>(source).GetObjectList()
+                   : nullptr) {}
 
     /// Asked before each step: a host's array may change while it is read.
     int Count() const { return list != nullptr ? static_cast<int>(list->size()) : array.GetCount(); }
@@ -94,6 +97,7 @@ public:
     /// The item with a new reference, null for an empty slot.
     IObject* Item(int index) const {
         if (list == nullptr) {
+            platform::Charge(1);
             return array.GetItem(index);
         }
         IObject* const item = (*list)[static_cast<std::size_t>(index)];

@@ -5,6 +5,7 @@
 #include "OrvUQL/ObjectString.h"
 
 #include "core/Failure.h"
+#include "platform/Meter.h"
 
 namespace OrvUQL {
 
@@ -13,6 +14,7 @@ public:
     /// Takes the reference over, also where memory ends (std::bad_alloc).
     void Add(IObject* taken) {
         Reference<IObject> item(taken);
+        platform::Charge(1);
         items.push_back(taken);
         item.Detach();
     }

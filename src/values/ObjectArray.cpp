@@ -6,6 +6,7 @@
 
 #include "core/Failure.h"
 #include "platform/CaseMap.h"
+#include "platform/Meter.h"
 #include "platform/Thread.h"
 #include "values/ItemEvaluation.h"
 
@@ -68,6 +69,7 @@ OrvStringT ObjectArrayBase::ToString() const {
         if (level.next > 0) {
             text += L',';
         }
+        platform::Charge(1);
         Reference<IObject> item(level.array->GetItem(level.next++));
         if (!item) {
             continue;
@@ -134,6 +136,7 @@ IObject* ObjectArrayBase::Method_Add(QueryEngine*, const OrvStringT&, const Obje
     ObjectList list;
     list.reserve(static_cast<std::size_t>(std::max(GetCount(), 0)) + 1);
     for (int index = 0; index < GetCount(); ++index) { // a host's array may shrink while it is read
+        platform::Charge(1);
         Reference<IObject> item(GetItem(index));
         list.push_back(item.Get());
         item.Detach();
@@ -143,7 +146,8 @@ IObject* ObjectArrayBase::Method_Add(QueryEngine*, const OrvStringT&, const Obje
     return new ObjectArray(std::move(list));
 }
 
-IObject* ObjectArrayBase::Method_AddArray(QueryEngine*, const OrvStringT&, const ObjectList& params, IError** err) {
+IObject* ObjectArrayBase::Method_AddArray(QueryEngine* engine, const OrvStringT&, const ObjectList& params,
+                                          IError** err) {
     const ObjectArrayBase* const other = params[0] != nullptr && params[0]->GetType() == TypeArray
                                              ? dynamic_cast<const ObjectArrayBase*>(params[0])
                                              : nullptr;
@@ -154,12 +158,14 @@ IObject* ObjectArrayBase::Method_AddArray(QueryEngine*, const OrvStringT&, const
     for (const ObjectArrayBase* source : {static_cast<const ObjectArrayBase*>(this), other}) {
         // The count is read before each step: a host's array may change while it is read.
         for (int index = 0; index < source->GetCount(); ++index) {
+            platform::Charge(1);
             Reference<IObject> item(source->GetItem(index));
             list.push_back(item.Get());
             // Each item gets one reference more than the result gives back. Hosts rely on it that items of theirs stay
-            // alive; deliberately kept.
+            // alive; deliberately kept, unless the engine is told otherwise.
             if (IObject* const kept = item.Detach()) {
                 kept->AddRef();
+                detail::EngineAccess::Keep(engine, kept);
             }
         }
     }
@@ -193,6 +199,7 @@ IObject* ObjectArrayBase::Method_FindIndexOf(QueryEngine* engine, const OrvStrin
                                              IError** err) {
     int position = 0;
     for (int index = 0; index < GetCount() && position == 0; ++index) {
+        platform::Charge(1);
         const Reference<IObject> item(GetItem(index));
         bool equal = false;
         if (item && !engine->CompareObjects(OperEqual, item.Get(), params[0], equal, err)) {

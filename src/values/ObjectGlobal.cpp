@@ -9,6 +9,7 @@
 #include "core/Failure.h"
 #include "core/NumberConversion.h"
 #include "platform/CaseMap.h"
+#include "platform/Meter.h"
 #include "platform/Random.h"
 #include "platform/Sine.h"
 
@@ -184,6 +185,7 @@ IObject* ObjectGlobal::Method_IIf(QueryEngine* engine, const OrvStringT&, const 
 }
 
 IObject* ObjectGlobal::Method_Array(QueryEngine*, const OrvStringT&, const ObjectList& params, IError**) {
+    platform::Charge(params.size());
     ObjectList items;
     items.reserve(params.size());
     for (IObject* param : params) {

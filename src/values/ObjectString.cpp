@@ -6,6 +6,7 @@
 
 #include "core/Failure.h"
 #include "platform/CaseMap.h"
+#include "platform/Meter.h"
 #include "platform/NumberText.h"
 #include "values/ItemList.h"
 
@@ -173,6 +174,7 @@ IObject* ObjectString::Method_Repeat(QueryEngine*, const OrvStringT&, const Obje
     if (length > 0x7fffffff) {
         throw std::length_error("Repeat");
     }
+    platform::RequireUnits(length);
     OrvStringT text;
     text.Reserve(static_cast<int>(length));
     for (int index = 0; index < count; ++index) {

@@ -4,16 +4,13 @@
 //
 //     memory_failures FILE.uqlt...
 
-#include "ConformanceFile.h"
-#include "fuzz/LongQueries.h"
+#include "fuzz/ConformanceQueries.h"
 #include "support/FailingMemory.h"
 #include "support/Print.h"
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace OrvUQL::Tests {
 namespace {
@@ -75,11 +72,11 @@ Run RunQuery(QueryEngine& engine, const OrvStringT& query, int allowed, MemoryEn
 
 class Check {
 public:
-    Check(QueryEngine& usedEngine, const Tool::ConformanceCase& conformanceCase, const std::string& fileName,
-          Counts& allCounts)
+    Check(QueryEngine& usedEngine, const Tool::ConformanceCase& conformanceCase, std::string where, Counts& allCounts)
         : engine(usedEngine),
+          testCase(conformanceCase),
           query(conformanceCase.query),
-          place(fileName + ":" + std::to_string(conformanceCase.line) + ": " + conformanceCase.written),
+          place(std::move(where)),
           counts(allCounts) {}
 
     void RunAll() {
@@ -96,11 +93,7 @@ public:
     }
 
 private:
-    bool Mentions(const wchar_t* lowerCaseName) const {
-        OrvStringT text = query;
-        text.MakeLower();
-        return text.View().find(lowerCaseName) != std::wstring_view::npos;
-    }
+    bool Mentions(const wchar_t* lowerCaseName) const { return Tests::Mentions(testCase, lowerCaseName); }
 
     /// A catalogue cannot say why it has no unit, nor can IsNumeric say why a text is no number.
     bool IsExpected(const std::string& outcome) const {
@@ -146,47 +139,23 @@ private:
     }
 
     QueryEngine& engine;
+    const Tool::ConformanceCase& testCase;
     OrvStringT query;
     std::string place;
     std::string usual;
     Counts& counts;
 };
 
-/// False if the file cannot be read.
-bool RunFile(const std::string& path, Counts& counts) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    std::vector<Tool::ConformanceCase> cases;
-    Tool::ConformanceError error;
-    if (!file || !Tool::ReadConformanceFile(text, cases, error)) {
-        std::printf("%s: cannot be read\n", path.c_str());
-        return false;
-    }
-    for (const Tool::ConformanceCase& one : cases) {
-        Tool::ComApartment apartment;
-        QueryEngine engine;
-        std::string reason;
-        if (!Tool::PrepareEngine(engine, *one.settings, apartment, reason)) {
-            std::printf("%s:%zu: %s\n", path.c_str(), one.line, reason.c_str());
-            return false;
-        }
-        if (MayTakeAllSteps(one.written)) {
-            continue;
-        }
-        Check(engine, one, path.substr(path.find_last_of('/') + 1), counts).RunAll();
-    }
-    return true;
-}
-
 } // namespace
 } // namespace OrvUQL::Tests
 
 int main(int argc, char** argv) {
-    OrvUQL::Tests::Counts counts;
-    bool isRead = argc > 1;
-    for (int index = 1; index < argc; ++index) {
-        isRead = OrvUQL::Tests::RunFile(argv[index], counts) && isRead;
-    }
+    using namespace OrvUQL;
+    Tests::Counts counts;
+    const bool isRead = Tests::ForEachConformanceQuery(
+        argc, argv, [&](QueryEngine& engine, const Tool::ConformanceCase& query, const std::string& place) {
+            Tests::Check(engine, query, place, counts).RunAll();
+        });
     std::printf("%ld queries, %ld failed allocations, %ld of them without effect, %ld mistakes\n", counts.queries,
                 counts.failures, counts.results, counts.mistakes);
     return isRead && counts.queries > 0 && counts.mistakes == 0 ? 0 : 1;
