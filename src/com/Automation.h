@@ -37,6 +37,11 @@ public:
 
     /// A place for a function to store a new text in; to be used once.
     BSTR* Receive() noexcept { return &text; }
+    /// Whether the function has succeeded. What a failing one leaves there is nobody's.
+    bool HasReceived(HRESULT result) noexcept {
+        text = FAILED(result) ? nullptr : text;
+        return SUCCEEDED(result);
+    }
     /// The units, U+0000 among them; null is the empty text.
     std::wstring_view View() const noexcept { return std::wstring_view(text, SysStringLen(text)); }
 
@@ -82,6 +87,11 @@ public:
 
     /// A place for a function to store a reference in; to be used once.
     T** Receive() noexcept { return &pointer; }
+    /// Whether the function has succeeded and has stored one. What a failing one leaves there is no reference.
+    bool HasReceived(HRESULT result) noexcept {
+        pointer = FAILED(result) ? nullptr : pointer;
+        return pointer != nullptr;
+    }
     T* Get() const noexcept { return pointer; }
     T* operator->() const noexcept { return pointer; }
     explicit operator bool() const noexcept { return pointer != nullptr; }

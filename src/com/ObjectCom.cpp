@@ -54,8 +54,9 @@ OrvStringT ObjectCom::GetTypeName() const {
     com::ComPointer<ITypeLib> library;
     UINT index = 0;
     com::OwnedText name;
-    if (typeInfo == nullptr || FAILED(typeInfo->GetContainingTypeLib(library.Receive(), &index)) || !library ||
-        FAILED(library->GetDocumentation(static_cast<INT>(index), name.Receive(), nullptr, nullptr, nullptr))) {
+    if (typeInfo == nullptr || !library.HasReceived(typeInfo->GetContainingTypeLib(library.Receive(), &index)) ||
+        !name.HasReceived(
+            library->GetDocumentation(static_cast<INT>(index), name.Receive(), nullptr, nullptr, nullptr))) {
         return ORV_TEXT(L"COM");
     }
     return name.View().empty() ? OrvStringT(ORV_TEXT(L"COM")) : OrvStringT(ORV_TEXT(L"COM:")) + name.View();
@@ -117,12 +118,15 @@ public:
 
     /// False if the name is not that of a property that can be read; `id` is then unspecified.
     bool FindProperty(ITypeInfo& type, const OrvStringT& name, MEMBERID& id) {
-        if (FAILED(type.GetTypeComp(names.Receive())) || !names) {
+        if (!names.HasReceived(type.GetTypeComp(names.Receive()))) {
             return false;
         }
         OLECHAR* const text = const_cast<OLECHAR*>(name.GetString()); // read only, whatever the declaration says
         const ULONG hash = LHashValOfNameSys(SYS_WIN32, LOCALE_SYSTEM_DEFAULT, text);
-        if (FAILED(names->Bind(text, hash, INVOKE_PROPERTYGET, info.Receive(), &kind, &target))) {
+        const HRESULT bound = names->Bind(text, hash, INVOKE_PROPERTYGET, info.Receive(), &kind, &target);
+        // A description without the type that would take it back, and a type that is null, are none.
+        const bool hasInfo = info.HasReceived(bound);
+        if (FAILED(bound) || target.lptcomp == nullptr || (kind != DESCKIND_TYPECOMP && !hasInfo)) {
             kind = DESCKIND_NONE;
             return false;
         }
@@ -204,8 +208,8 @@ IUnknown* EnumerationOf(const VARIANT& result) noexcept {
     }
 }
 
-/// Asks for a collection's enumerator.
-HRESULT NewEnumerator(const ObjectCom& collection, IEnumVARIANT** enumerator) {
+/// Asks for a collection's enumerator, which there is if this succeeds.
+HRESULT NewEnumerator(const ObjectCom& collection, com::ComPointer<IEnumVARIANT>& enumerator) {
     com::OwnedVariant result;
     const HRESULT called =
         collection.InvokeIDispatch(DISPID_NEWENUM, nullptr, 0, DISPATCH_METHOD | DISPATCH_PROPERTYGET, result.Get());
@@ -216,14 +220,15 @@ HRESULT NewEnumerator(const ObjectCom& collection, IEnumVARIANT** enumerator) {
     if (enumeration == nullptr) {
         return E_FAIL;
     }
-    return enumeration->QueryInterface(IID_IEnumVARIANT, reinterpret_cast<void**>(enumerator));
+    const HRESULT asked = enumeration->QueryInterface(IID_IEnumVARIANT, reinterpret_cast<void**>(enumerator.Receive()));
+    return enumerator.HasReceived(asked) || FAILED(asked) ? asked : E_FAIL;
 }
 
 } // namespace
 
 IObject* ObjectCom::Method_ToArray(QueryEngine*, const OrvStringT&, const ObjectList&, IError** err) {
     com::ComPointer<IEnumVARIANT> enumerator;
-    HRESULT result = NewEnumerator(*this, enumerator.Receive());
+    HRESULT result = NewEnumerator(*this, enumerator);
     ObjectList items;
     while (SUCCEEDED(result)) {
         com::OwnedVariant item;

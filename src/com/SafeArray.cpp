@@ -69,6 +69,9 @@ long SafeArrayGetElementAsVariant(tagSAFEARRAY* array, const long* index, unsign
     if (!OrvUQL::com::HoldsElements(*array, type)) {
         return DISP_E_BADVARTYPE;
     }
+    if (array->pvData == nullptr && array->rgsabound[0].cElements != 0) {
+        return E_UNEXPECTED; // a description that nobody has given its memory yet; not every system looks
+    }
     VARIANT copy;
     VariantInit(&copy);
     void* place = &copy.llVal;

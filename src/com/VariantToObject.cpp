@@ -140,7 +140,7 @@ IObject* MakeArray(SAFEARRAY* array, VARTYPE arrayType, int level, IError** err)
         return FailNull(err, message::internalError);
     }
     const ArrayLock lock(array);
-    if (!lock) {
+    if (!lock || (array->pvData == nullptr && first <= last)) { // locked too often, or without its memory yet
         return Unsupported(arrayType, err);
     }
     const VARTYPE elementType = arrayType & static_cast<VARTYPE>(VT_TYPEMASK);

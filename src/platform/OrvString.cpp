@@ -8,6 +8,7 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <vector>
 
 using namespace OrvUQL::platform;
 
@@ -322,9 +323,19 @@ OrvStringT& OrvStringT::MakeLower() {
 
 namespace {
 
+/// A set that is longer is looked through once, not for each unit of the text: both may be as long as a text can be.
+constexpr std::size_t longSet = 64;
+
 std::wstring_view TrimmedOf(std::wstring_view text, std::wstring_view set, bool left, bool right) {
     const UnitText units(set);
-    return Trimmed(text, left, right, [&units](wchar_t unit) { return Contains(units.View(), unit); });
+    if (units.View().size() <= longSet) {
+        return Trimmed(text, left, right, [&units](wchar_t unit) { return Contains(units.View(), unit); });
+    }
+    std::vector<bool> isIn(0x10000);
+    for (const wchar_t unit : units.View()) {
+        isIn[static_cast<std::uint16_t>(unit)] = true;
+    }
+    return Trimmed(text, left, right, [&isIn](wchar_t unit) { return isIn[static_cast<std::uint16_t>(unit)]; });
 }
 
 } // namespace

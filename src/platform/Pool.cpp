@@ -14,14 +14,13 @@ namespace {
 std::size_t BlockSize(std::size_t size) noexcept { return size > poolLimit ? size : PoolBlockSize(PoolClass(size)); }
 
 bool OpenPool(ThreadState& thread) noexcept {
-    if (thread.poolClosed || thread.poolOpen) {
+    if (thread.poolClosed || thread.poolOpen || !CallAtThreadExit()) {
         return false;
     }
     thread.poolOpen = true;
     for (PoolList& list : thread.pool) {
         list.room = poolRoom;
     }
-    CallAtThreadExit();
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/RegexCache.h"
 
 #include "platform/RegexProgram.h"
+#include "platform/Thread.h"
 
 #include <algorithm>
 #include <array>
@@ -72,7 +73,8 @@ private:
     }
 };
 
-/// A thread's cache, made on first use and gone when the thread ends. Values may still be evaluated after that.
+/// A thread's cache, made on first use, as soon as there is memory for it, and gone when the thread ends. Values may
+/// still be evaluated after that.
 thread_local RegexCache* threadCache = nullptr;
 thread_local bool isThreadEnding = false;
 
@@ -86,7 +88,7 @@ RegexCache* GetThreadCache() {
             isThreadEnding = true;
         }
     };
-    if (threadCache == nullptr && !isThreadEnding) {
+    if (threadCache == nullptr && !isThreadEnding && HasMemoryForThreadExit()) {
         thread_local const Owner owner;
         static_cast<void>(owner);
     }

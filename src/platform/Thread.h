@@ -217,7 +217,11 @@ inline bool HasStack(std::size_t reserve = stackReserve) noexcept {
 /// The calling thread's stack.
 StackBounds GetStackBounds() noexcept;
 
-/// Has ClosePool called when the calling thread ends.
-void CallAtThreadExit() noexcept;
+/// Has ClosePool called when the calling thread ends. False if there is no memory to remember that.
+bool CallAtThreadExit() noexcept;
+
+/// Whether the system has the memory with which it remembers one more destructor of a thread_local object. To be asked
+/// right before the object is made: some C libraries end the process where that memory is missing.
+bool HasMemoryForThreadExit() noexcept;
 
 } // namespace OrvUQL::platform

@@ -2,6 +2,7 @@
 
 #include "platform/Pool.h"
 
+#include <cstdlib>
 #include <pthread.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -29,7 +30,18 @@ StackBounds GetStackBounds() noexcept {
     return {reinterpret_cast<std::uintptr_t>(address), size, isUnlimited};
 }
 
-void CallAtThreadExit() noexcept {
+bool HasMemoryForThreadExit() noexcept {
+    // What is too large for the blocks that an allocator keeps ready for one size, so that it can be divided anew.
+    // (volatile: or compilers leave both calls out.)
+    void* volatile const block = std::malloc(4096);
+    std::free(block);
+    return block != nullptr;
+}
+
+bool CallAtThreadExit() noexcept {
+    if (!HasMemoryForThreadExit()) {
+        return false;
+    }
     // A destructor of the language rather than a key of the thread library: it also runs for the main thread, and it
     // keeps the library loaded as long as a thread has it ahead.
     struct Closer {
@@ -37,6 +49,7 @@ void CallAtThreadExit() noexcept {
     };
     thread_local const Closer closer;
     static_cast<void>(closer);
+    return true;
 }
 
 } // namespace OrvUQL::platform

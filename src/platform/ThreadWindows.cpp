@@ -33,7 +33,10 @@ void WINAPI OnThreadEvent(void*, DWORD reason, void* isProcessEnding) {
 } // namespace
 
 // The list above is installed for all threads.
-void CallAtThreadExit() noexcept {}
+bool CallAtThreadExit() noexcept { return true; }
+
+// Where it is missing, the destructor is not called.
+bool HasMemoryForThreadExit() noexcept { return true; }
 
 } // namespace OrvUQL::platform
 

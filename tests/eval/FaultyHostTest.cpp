@@ -357,5 +357,41 @@ TEST_F(FaultyHost, WithAnyOperationThatFails) {
     }
 }
 
+// Not a member of the host's values, but what names are asked of: the source of properties, the variable, the global
+// object, and the parent of a group.
+TEST_F(FaultyHost, WhereNamesAreLookedUp) {
+    constexpr const wchar_t* names[] = {
+        L"@x",         L"@x(1) + 1",    L"$x",     L"$x = 1 ? $x : 2", L"f(1)",         L"f + 1",
+        L"@x[.a + 1]", L"array(@x, 1)", L"$x.a.b", L"-f(@x)",          L"iif(f, 1, 2)", L"max(f, @x, $x)",
+    };
+    std::vector<Ref<IQueryElement>> lookups;
+    for (const wchar_t* const name : names) {
+        lookups.push_back(host.Parse(name));
+    }
+    const Ref<IObject> global(host.engine.GetGlobal());
+    host.engine.GetGlobal()->AddRef();
+    for (const int type : types) {
+        for (int operation = None; operation < operationCount; ++operation) {
+            for (int fault = 0; fault < faultCount; ++fault) {
+                const Ref<FaultyObject> object = Make<FaultyObject>(
+                    static_cast<IObject::EType>(type), static_cast<Operation>(operation), static_cast<Fault>(fault));
+                host.engine.SetPropertySource(object.Get());
+                host.engine.SetVariable(object.Get());
+                host.engine.SetGlobal(object.Get());
+                for (std::size_t index = 0; index < lookups.size(); ++index) {
+                    const std::string first = Evaluate(*lookups[index]);
+                    EXPECT_EQ(Evaluate(*lookups[index]), first) << Utf8(names[index]);
+                    EXPECT_EQ(Counted::live, 1) << Utf8(names[index]) << " keeps a reference";
+                    EXPECT_EQ(host.engine.GetVariable(), object.Get()) << Utf8(names[index]);
+                }
+                host.engine.SetPropertySource(nullptr);
+                host.engine.SetVariable(nullptr);
+                host.engine.SetGlobal(global.Get());
+                ASSERT_EQ(Evaluate(*sum), "int 3");
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace OrvUQL::Tests
