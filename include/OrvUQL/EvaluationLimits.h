@@ -2,19 +2,17 @@
 #pragma once
 
 #include <atomic>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 
 namespace OrvUQL {
 
 /// Bounds for the evaluations of an engine; see QueryEngine::SetLimits(). Each is for one evaluation, from where the
 /// host asks for it until it returns; what host objects evaluate with the same engine meanwhile belongs to it.
 struct EvaluationLimits {
-    static constexpr std::uint64_t unlimitedSteps = std::numeric_limits<std::uint64_t>::max();
-    static constexpr std::size_t unlimitedMemory = std::numeric_limits<std::size_t>::max();
-    static constexpr std::chrono::nanoseconds unlimitedTime = std::chrono::nanoseconds::max();
+    static constexpr std::uint64_t unlimitedSteps = ~std::uint64_t{0};
+    static constexpr std::size_t unlimitedMemory = ~std::size_t{0};
+    static constexpr std::int64_t unlimitedTime = INT64_MAX;
 
     /// How many steps it may take. What a step is depends on the query and its data alone, so that the same limit ends
     /// the same evaluation on every system and however busy that is:
@@ -32,9 +30,9 @@ struct EvaluationLimits {
     /// beside its values while it works, which is never more than a small multiple of them.
     std::size_t memory = unlimitedMemory;
 
-    /// How long it may take. The clock is looked at after no more than 32 steps, so a single step that is long, a
+    /// How many nanoseconds it may take. The clock is looked at after no more than 32 steps, so a single step that is long, a
     /// host's function above all, makes it longer.
-    std::chrono::nanoseconds time = unlimitedTime;
+    std::int64_t nanoseconds = unlimitedTime;
 
     /// Ends the evaluation as soon as it is true. Borrowed, and the only thing here that another thread may touch.
     /// Null: there is no such flag.

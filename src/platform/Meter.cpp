@@ -20,7 +20,8 @@ constexpr std::int64_t memoryGrace = 64 * 1024;
 
 constexpr std::int64_t mostBytes = std::numeric_limits<std::int64_t>::max();
 
-Clock::time_point DeadlineAfter(std::chrono::nanoseconds time) noexcept {
+Clock::time_point DeadlineAfter(std::int64_t nanoseconds) noexcept {
+    const std::chrono::nanoseconds time(nanoseconds);
     const Clock::time_point now = Clock::now();
     return time < Clock::time_point::max() - now ? now + std::chrono::duration_cast<Clock::duration>(time)
                                                  : Clock::time_point::max();
@@ -35,8 +36,8 @@ Meter::Meter(const EvaluationLimits& limits) noexcept
                                                                     : mostBytes),
       cancel(limits.cancel) {
     ThreadState& thread = CurrentThread();
-    if (limits.time != EvaluationLimits::unlimitedTime) {
-        deadline = DeadlineAfter(limits.time);
+    if (limits.nanoseconds != EvaluationLimits::unlimitedTime) {
+        deadline = DeadlineAfter(limits.nanoseconds);
     }
     if (outer == nullptr) {
         lists = kept;
