@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace OrvUQL::Tests {
 namespace {
@@ -39,6 +39,67 @@ TEST(UqlMalformedRecords, ALineThatIsCutOffTakesNoOtherRecordAlong) {
         EXPECT_THAT(run.err, EndsWith("uql: 1 of 5 records failed\n")) << broken;
     }
     EXPECT_EQ(ReadOn("{\"a\":1\n{\"a\":2}\n").out, "{\"a\":2}\n");
+}
+
+TEST(UqlMalformedRecords, AlsoAtTheEndOfInput) {
+    for (const char* broken : {"{\"a\":", "[1,", "[", "{\"a\":["}) {
+        for (const char* end : {"", "\n", "\r\n\n"}) {
+            const UqlRun run = ReadOn("{\"a\":1}\n" + std::string(broken) + "\n{\"a\":3}" + end);
+            EXPECT_EQ(run.out, "{\"a\":1}\n{\"a\":3}\n") << broken;
+            const std::string place = "uql: -:2:" + std::to_string(std::string(broken).size() + 1);
+            EXPECT_THAT(run.err, StartsWith(place + ": record 2: ")) << broken;
+            EXPECT_THAT(run.err, EndsWith("uql: 1 of 3 records failed\n")) << broken;
+        }
+    }
+    EXPECT_EQ(ReadOn("{\"a\":\n5").out, "5\n");
+}
+
+TEST(UqlMalformedRecords, LinesThatAreCutOffOneAfterTheOtherAreARecordEach) {
+    const UqlRun run = ReadOn("{\"a\":\n{\"a\":3,\n[{\"b\":[\n{\"a\":4}\n{\"a\":\n{\"a\" 5}\n\"x\"\n");
+    EXPECT_EQ(run.out, "{\"a\":4}\n\"x\"\n");
+    EXPECT_THAT(run.err, StartsWith("uql: -:1:6: record 1: "));
+    EXPECT_THAT(run.err, HasSubstr("uql: -:2:8: record 2: "));
+    EXPECT_THAT(run.err, HasSubstr("uql: -:3:8: record 3: "));
+    EXPECT_THAT(run.err, HasSubstr("uql: -:5:6: record 5: "));
+    EXPECT_THAT(run.err, HasSubstr("uql: -:6:6: record 6: "));
+    EXPECT_THAT(run.err, EndsWith("uql: 5 of 7 records failed\n"));
+    EXPECT_EQ(ReadOn("{\"a\":\n{\"a\":3,\n{\"a\":4}\n").out, "{\"a\":4}\n");
+    // A value behind a colon need not be an object for that.
+    EXPECT_EQ(ReadOn("{\"a\":\n5\n\"b\"\n").out, "5\n\"b\"\n");
+    EXPECT_EQ(ReadOn("[{\"a\":\n\"b\n6\n").out, "6\n");
+}
+
+TEST(UqlMalformedRecords, ALineThatIsCutOffNeedNotBeginWithItsRecord) {
+    const UqlRun run = ReadOn("{\"a\":1} {\"a\":\n{\"a\":3}\n{\"a\":4}\n");
+    EXPECT_EQ(run.out, "{\"a\":1}\n{\"a\":3}\n{\"a\":4}\n");
+    EXPECT_THAT(run.err, StartsWith("uql: -:1:14: record 2: "));
+}
+
+TEST(UqlMalformedRecords, PartsOfADocumentOfSeveralLinesAreNoRecords) {
+    // Each of these is one document with one mistake, and its lines begin at their first byte.
+    for (const auto& [json, place] :
+         {std::pair("[\n{\"a\":1},\n{\"a\":2} 3]\n", "3:9"), std::pair("[\n{\"a\":1}\n,{\"a\" 2}\n]\n", "3:7"),
+          std::pair("{\"data\":\n[\n{\"a\":1},\n{\"a\":2}\n}\n", "5:1"), std::pair("[\n{\n\"a\": 1 2\n}\n]\n", "3:8"),
+          std::pair("[\n1,\n2\n3\n]\n", "4:1"), std::pair("[\n{\"a\":1},\n", "3:1")}) {
+        const UqlRun run = RunUql({"-o", "json", "@this", "-"}, json);
+        EXPECT_EQ(run.out, "") << json;
+        EXPECT_THAT(run.err, StartsWith("uql: -:" + std::string(place) + ": record 1: ")) << json;
+    }
+    // Too deep is too deep, on however many lines.
+    std::string deep;
+    for (int level = 0; level <= 10'000; ++level) {
+        deep += "[\n";
+    }
+    EXPECT_EQ(RunUql({"@this", "-"}, deep), Fails("uql: -:10001:1: record 1: nested deeper than 10000 levels\n"));
+}
+
+TEST(UqlMalformedRecords, WhatLooksCutOffAllTheWayIsReadOnce) {
+    // Read again from each line, this would be read a thousand million times.
+    std::string json;
+    for (int line = 0; line < 300'000; ++line) {
+        json += line % 3 == 0 ? "{\"a\":\n" : line % 3 == 1 ? "[{\"b\":1}\n" : ",\n";
+    }
+    EXPECT_EQ(RunUql({"--keep-going", "@this", "-"}, json).status, 1);
 }
 
 TEST(UqlMalformedRecords, AMissingQuoteEndsWithItsLine) {

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <poll.h>
 #include <pty.h>
 #include <string>
@@ -16,6 +17,7 @@
 #include <sys/wait.h>
 #include <system_error>
 #include <unistd.h>
+#include <vector>
 
 namespace OrvUQL::Tests {
 namespace {
@@ -218,6 +220,59 @@ TEST_F(UqlSessionTerminal, HistoryIsKeptBetweenSessions) {
     EXPECT_THAT(session.ReadTo("uql> "), HasSubstr("\r\nint 22\r\n"));
 }
 
+TEST_F(UqlSessionTerminal, HistoryHasTheEntriesOfAllSessionsAtOnce) {
+    {
+        TerminalSession first(state);
+        first.ReadTo("uql> ");
+        TerminalSession second(state);
+        second.ReadTo("uql> ");
+        first.Type("10 + 1\r");
+        first.ReadTo("uql> ");
+        second.Type("20 + 1\r");
+        second.ReadTo("uql> ");
+        first.Type("30 + 1\r");
+        first.ReadTo("uql> ");
+        first.Type("30 + 1\r"); // is not remembered twice
+        first.ReadTo("uql> ");
+        first.Type("\x1b[A\x1b[A\r"); // a session goes on seeing its own entries only
+        EXPECT_THAT(first.ReadTo("uql> "), HasSubstr("\r\nint 11\r\n"));
+    }
+    TerminalSession session(state);
+    session.ReadTo("uql> ");
+    session.Type("\x1b[A\x1b[A\r");
+    EXPECT_THAT(session.ReadTo("uql> "), HasSubstr("\r\nint 31\r\n"));
+    session.Type("\x1b[A\x1b[A\x1b[A\x1b[A\r");
+    EXPECT_THAT(session.ReadTo("uql> "), HasSubstr("\r\nint 21\r\n"));
+}
+
+TEST_F(UqlSessionTerminal, HistoryDoesNotGrowForEver) {
+    const std::string path = state.GetHistoryPath();
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream file(path);
+    file << "_HiStOrY_V2_\n";
+    for (int entry = 0; entry < 2'500; ++entry) {
+        file << entry << "\\040*\\0402\n"; // blanks are escaped
+    }
+    file.close();
+    {
+        TerminalSession session(state);
+        session.ReadTo("uql> ");
+        session.Type("\x1b[A\r");
+        EXPECT_THAT(session.ReadTo("uql> "), HasSubstr("\r\nint 4998\r\n"));
+        session.Type("'new'\r");
+        session.ReadTo("uql> ");
+    }
+    std::ifstream kept(path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(kept, line);) {
+        lines.push_back(line);
+    }
+    ASSERT_EQ(lines.size(), 1'002U);
+    EXPECT_EQ(lines.front(), "_HiStOrY_V2_");
+    EXPECT_EQ(lines[1], "1500\\040*\\0402");
+    EXPECT_EQ(lines.back(), "'new'");
+}
+
 TEST_F(UqlSessionTerminal, ColoursAreForThoseWhoWantThem) {
     TerminalSession coloured(state, true);
     coloured.ReadTo("uql> ");
@@ -231,13 +286,37 @@ TEST_F(UqlSessionTerminal, ColoursAreForThoseWhoWantThem) {
     EXPECT_THAT(plain.ReadTo("uql> "), HasSubstr("\r\nint 1\r\n"));
 }
 
-TEST_F(UqlSessionTerminal, CtrlCDuringAQueryEndsTheProcess) {
+/// A query that would take hours.
+const std::string hours = "'x'.Repeat(2000).ToCharArray().Convert('x'.Repeat(2000).ToCharArray().Convert("
+                          "'x'.Repeat(2000).ToCharArray().Convert($index * 2).Count()).Count()).Count()";
+
+TEST_F(UqlSessionTerminal, CtrlCEndsAQueryAndNotTheSession) {
+    for (const char* const command : {"", ":explain "}) {
+        TerminalSession session(state);
+        session.ReadTo("uql> ");
+        session.Type("6 * 7\r");
+        session.ReadTo("uql> ");
+        // The test cannot see the beginning of the query: too early, Ctrl-C is for the line.
+        bool isCancelled = false;
+        for (int attempt = 0; attempt < 50 && !isCancelled; ++attempt) {
+            session.Type(command + hours + "\r");
+            EXPECT_FALSE(session.HasEnded(std::chrono::milliseconds(200)));
+            session.Type("\x03");
+            isCancelled = session.ReadTo("uql> ").find("Evaluation cancelled\r\n") != std::string::npos;
+        }
+        EXPECT_TRUE(isCancelled);
+        session.Type("$last + 1\r"); // the session goes on as if nothing had been asked
+        EXPECT_THAT(session.ReadTo("uql> "), HasSubstr("\r\nint 43\r\n"));
+    }
+}
+
+TEST_F(UqlSessionTerminal, ASecondCtrlCEndsTheProcess) {
     TerminalSession session(state);
     session.ReadTo("uql> ");
-    // A fifth of a second, of which the test cannot see the beginning: too early, Ctrl-C is for the line.
-    for (int attempt = 0; attempt < 50 && !session.HasEnded(std::chrono::milliseconds(300)); ++attempt) {
-        session.Type(":time array(1, 2).Convert($item)\r");
-        if (!session.HasEnded(std::chrono::milliseconds(60))) {
+    // What is timed is not asked to look for the first.
+    for (int attempt = 0; attempt < 50 && !session.HasEnded(std::chrono::milliseconds(10)); ++attempt) {
+        session.Type(":time " + hours + "\r");
+        for (int time = 0; time < 2 && !session.HasEnded(std::chrono::milliseconds(200)); ++time) {
             session.Type("\x03");
         }
     }

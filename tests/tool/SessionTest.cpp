@@ -57,6 +57,11 @@ TEST(UqlSession, UnlessSomethingElseHoldsTheVariable) {
     EXPECT_EQ(Enter("7\n:var {\"a\": 5}\n$a\n$last\n:var\n:var off\n$last\n:var\n"),
               Prints("int 7\nint 5\nnull\nobject {\"a\":5}\nnull\noff: $last is the value before\n"));
     EXPECT_EQ(RunUql({"repl", "--var", "3"}, "$this + 1"), Prints("int 4\n"));
+    // The arguments are members of the variable, one of them perhaps of that name.
+    EXPECT_EQ(RunUql({"repl", "--arg", "a", "5"}, "7\n$last\n$a\n:complete $l\n:complete $a"),
+              Prints("int 7\nnull\nstring 5\na\n"));
+    EXPECT_EQ(RunUql({"repl", "--argjson", "last", "[8]"}, "7\n$last\n:complete $la\n:var\n:var off\n$last"),
+              Prints("int 7\narray (8)\nlast\nobject {\"last\":[8]}\narray (8)\n"));
 }
 
 TEST(UqlSession, ItsOwnNamesAreSuggestedToo) {
@@ -86,8 +91,8 @@ TEST(UqlSession, LoadReadsARecord) {
 
 TEST(UqlSession, HelpListsCommandsTypesAndMethods) {
     const UqlRun help = Enter(":help");
-    for (const char* const command : {":complete", ":explain", ":help", ":load", ":precision", ":props", ":quit",
-                                      ":time", ":tree", ":units", ":var"}) {
+    for (const char* const command : {":complete", ":explain", ":help", ":limits", ":load", ":precision", ":props",
+                                      ":quit", ":time", ":tree", ":units", ":var"}) {
         EXPECT_THAT(help.out, HasSubstr(std::string(command) + " "));
     }
     EXPECT_THAT(Enter(":help String").out, StartsWith("string.Length()\nstring.Empty()\n"));

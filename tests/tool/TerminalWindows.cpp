@@ -1,8 +1,10 @@
+#include "tool/TerminalWindows.h"
+
 #include "tool/ProcessWindows.h"
-#include "tool/RunUql.h"
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -63,20 +65,21 @@ private:
     std::thread watching;
 };
 
-} // namespace
-
-UqlRun RunUqlAtTerminal(const std::vector<std::string>& arguments, std::string_view typed) {
+/// `interruptAt`, if there is one, is the text on the screen that Ctrl-C is pressed at.
+UqlRun RunAtConsole(const std::vector<std::string>& arguments, const std::string& keys,
+                    const std::optional<std::string>& interruptAt) {
     std::vector<std::wstring> texts;
     for (const std::string& argument : arguments) {
         texts.push_back(ToUtf16(argument));
     }
-    const std::wstring commandLine = MakeCommandLine(ToUtf16(UQL_PATH), texts);
     const std::wstring screenPath = MakeTemporaryPath(L".screen");
+    std::vector<std::wstring> words = {screenPath, MakeCommandLine(ToUtf16(UQL_PATH), texts)};
+    if (interruptAt) {
+        words.push_back(ToUtf16(*interruptAt));
+    }
     PseudoConsole console;
-    const Handle process = console.Start(MakeCommandLine(ToUtf16(CONSOLE_PROGRAM_PATH), {screenPath, commandLine}));
-    std::string keys(typed);
-    std::replace(keys.begin(), keys.end(), '\n', '\r'); // the Enter key
-    console.Type(keys + "\x1A\r");                      // Ctrl-Z
+    const Handle process = console.Start(MakeCommandLine(ToUtf16(CONSOLE_PROGRAM_PATH), words));
+    console.Type(keys);
     UqlRun run;
     run.status = WaitForProcess(process);
     const Handle file(::CreateFileW(screenPath.c_str(), GENERIC_READ | DELETE, 0, nullptr, OPEN_EXISTING,
@@ -84,6 +87,18 @@ UqlRun RunUqlAtTerminal(const std::vector<std::string>& arguments, std::string_v
                       "the screen's file");
     run.out = ReadAll(file);
     return run;
+}
+
+} // namespace
+
+UqlRun RunUqlAtTerminal(const std::vector<std::string>& arguments, std::string_view typed) {
+    std::string keys(typed);
+    std::replace(keys.begin(), keys.end(), '\n', '\r');            // the Enter key
+    return RunAtConsole(arguments, keys + "\x1A\r", std::nullopt); // Ctrl-Z
+}
+
+UqlRun InterruptUqlAtTerminal(const std::vector<std::string>& arguments, const std::string& text) {
+    return RunAtConsole(arguments, std::string(), text);
 }
 
 } // namespace OrvUQL::Tests

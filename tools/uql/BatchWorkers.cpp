@@ -27,24 +27,22 @@ private:
 };
 
 BatchWorkers::BatchWorkers(const std::string& queryText, const QueryOptions& queryOptions, const Printer& resultPrinter)
-    : text(queryText), options(queryOptions), printer(resultPrinter), capacity(1) {
+    : text(queryText), options(queryOptions), printer(resultPrinter), helps(!queryOptions.isUnbuffered), capacity(1) {
     if (options.jobs == 1) {
-        ownWorker = std::make_unique<Worker>(text, options, printer);
         return;
     }
     const std::size_t jobs = static_cast<std::size_t>(options.jobs);
+    const std::size_t wanted = helps ? jobs - 1 : jobs;
     capacity = 4 * jobs;
-    threads.reserve(jobs);
+    threads.reserve(wanted);
     try {
-        while (threads.size() < jobs) {
+        while (threads.size() < wanted) {
             threads.emplace_back([this] { Run(); });
+            const std::lock_guard lock(mutex);
+            ++working;
         }
     } catch (const std::system_error&) {
         // The system gives no more threads. Those that there are do the work, or this one.
-        if (threads.empty()) {
-            capacity = 1;
-            ownWorker = std::make_unique<Worker>(text, options, printer);
-        }
     }
 }
 
@@ -64,11 +62,6 @@ void BatchWorkers::Submit(std::unique_ptr<RecordBatch> batch) {
     pendingBytes += batch->text.size();
     entry->batch = std::move(batch);
     pending.push_back(entry);
-    if (ownWorker) {
-        ownWorker->Evaluate(*entry->batch);
-        entry->isDone = true;
-        return;
-    }
     {
         const std::lock_guard lock(mutex);
         waiting.push_back(entry);
@@ -81,7 +74,19 @@ std::unique_ptr<RecordBatch> BatchWorkers::Take() {
     pending.pop_front();
     pendingBytes -= entry->batch->text.size();
     std::unique_lock lock(mutex);
-    workDone.wait(lock, [&] { return entry->isDone; });
+    while (!entry->isDone) {
+        const bool isAlone = working <= 0;
+        if (waiting.empty() || !(helps || isAlone)) {
+            workDone.wait(lock);
+        } else if (ownWorker) {
+            EvaluateNext(lock, *ownWorker);
+        } else if (!MakeWorker(lock, ownWorker)) {
+            if (isAlone) {
+                std::rethrow_exception(workerFailure);
+            }
+            helps = false;
+        }
+    }
     if (entry->batch->exception) {
         std::rethrow_exception(entry->batch->exception);
     }
@@ -90,28 +95,51 @@ std::unique_ptr<RecordBatch> BatchWorkers::Take() {
 
 void BatchWorkers::Run() {
     std::unique_ptr<Worker> worker;
+    std::unique_lock lock(mutex);
     for (;;) {
-        std::unique_lock lock(mutex);
         workArrived.wait(lock, [this] { return isClosing || !waiting.empty(); });
         if (isClosing) {
             return;
         }
-        const std::shared_ptr<Entry> entry = std::move(waiting.front());
-        waiting.pop_front();
-        lock.unlock();
-        try {
-            if (!worker) {
-                worker = std::make_unique<Worker>(text, options, printer);
-            }
-            worker->Evaluate(*entry->batch);
-        } catch (...) {
-            entry->batch->exception = std::current_exception();
+        if (worker) {
+            EvaluateNext(lock, *worker);
+        } else if (!MakeWorker(lock, worker)) {
+            --working;
+            workArrived.notify_one(); // somebody has to do this one's work: another thread,
+            workDone.notify_one();    // or the caller's, if that was the last
+            return;
         }
-        lock.lock();
-        entry->isDone = true;
-        lock.unlock();
-        workDone.notify_one();
     }
+}
+
+/// Prepares what the calling thread evaluates with. False, with the exception kept, if that is not possible. `lock` is
+/// not held meanwhile.
+bool BatchWorkers::MakeWorker(std::unique_lock<std::mutex>& lock, std::unique_ptr<Worker>& worker) {
+    std::exception_ptr failure;
+    lock.unlock();
+    try {
+        worker = std::make_unique<Worker>(text, options, printer);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    lock.lock();
+    workerFailure = failure ? failure : workerFailure;
+    return static_cast<bool>(worker);
+}
+
+/// Takes the oldest batch that has not been begun and evaluates it. `lock` is not held meanwhile.
+void BatchWorkers::EvaluateNext(std::unique_lock<std::mutex>& lock, Worker& worker) {
+    const std::shared_ptr<Entry> entry = std::move(waiting.front());
+    waiting.pop_front();
+    lock.unlock();
+    try {
+        worker.Evaluate(*entry->batch);
+    } catch (...) {
+        entry->batch->exception = std::current_exception();
+    }
+    lock.lock();
+    entry->isDone = true;
+    workDone.notify_one();
 }
 
 } // namespace OrvUQL::Tool

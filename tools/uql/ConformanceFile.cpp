@@ -30,6 +30,13 @@ bool ReadFiniteNumber(std::string_view text, double& number) {
 
 bool IsUtf8(std::string_view bytes) { return OrvStringT::FromUtf8(bytes).ToUtf8() == bytes; }
 
+/// What a file begins with.
+std::shared_ptr<const EngineSettings> MakeSettings() {
+    const auto settings = std::make_shared<EngineSettings>();
+    settings->releasesKept = false; // the language as it is, also in what it keeps
+    return settings;
+}
+
 class Reader {
 public:
     Reader(std::vector<ConformanceCase>& result, std::string& reason) : cases(result), error(reason) {}
@@ -163,7 +170,7 @@ private:
 
     std::vector<ConformanceCase>& cases;
     std::string& error;
-    std::shared_ptr<const EngineSettings> settings = std::make_shared<EngineSettings>();
+    std::shared_ptr<const EngineSettings> settings = MakeSettings();
     bool isQueryOpen = false;
 };
 

@@ -2,6 +2,7 @@
 
 #include <OrvUQL/OrvString.h>
 
+#include "Interrupt.h"
 #include "SystemMessageWindows.h"
 
 #include <algorithm>
@@ -20,6 +21,14 @@ constexpr std::size_t mostUnits = 4096;
 
 bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool IsInsideCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
+
+/// True if the user wants the program to end, which may not have been noted yet.
+bool WaitForInterrupt() {
+    for (int moment = 0; moment < 50 && !InterruptWatch::IsInterrupted(); ++moment) {
+        ::Sleep(10);
+    }
+    return InterruptWatch::IsInterrupted();
+}
 
 } // namespace
 
@@ -49,8 +58,8 @@ bool ConsoleReader::ReadLine(std::string& error) {
         return false;
     }
     if (count == 0) {
-        // Ctrl-C interrupts the reading and nothing else, if it has not ended the process.
-        isAtEnd = ::GetLastError() != ERROR_OPERATION_ABORTED;
+        // Ctrl-C interrupts the reading; who is told of it, on another thread, decides what else it does.
+        isAtEnd = ::GetLastError() != ERROR_OPERATION_ABORTED || WaitForInterrupt();
         return true;
     }
     if (!isLineBegun && units[0] == endOfInput) {

@@ -65,6 +65,10 @@ bool PrepareEngine(QueryEngine& engine, const EngineSettings& settings, ComApart
         }
     }
     engine.SetUnitPrecision(settings.precision);
+    engine.SetReleaseKeptReferences(settings.releasesKept);
+    if (settings.limits.HasAny()) {
+        engine.SetLimits(settings.limits.MakeLimits());
+    }
     Ref<IObject> propertySource;
     if (!MakeObject(settings.propertySource, settings.propertySourceClass, apartment, propertySource, error)) {
         error = "the property source: " + error;

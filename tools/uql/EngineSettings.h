@@ -4,6 +4,7 @@
 #include <OrvUQL/OrvUQL.h>
 
 #include "ComObject.h"
+#include "LimitSettings.h"
 
 #include <optional>
 #include <string>
@@ -28,6 +29,8 @@ struct EngineSettings {
     std::optional<std::string> propertySourceClass; ///< instead, the program ID of an automation object
     std::optional<std::string> variableClass;       ///< likewise
     std::vector<NamedArgument> arguments;           ///< instead, the members of an object
+    LimitSettings limits;                           ///< of each evaluation
+    bool releasesKept = true;                       ///< see QueryEngine::SetReleaseKeptReferences
 };
 
 /// Prepares a new engine. Automation objects are made in `apartment`, which has to outlive the engine. False with the

@@ -1,10 +1,13 @@
 // Ctrl-C.
 #pragma once
 
+#include <atomic>
+
 namespace OrvUQL::Tool {
 
-/// As long as it lives, the user's wish to end the program is noted instead of followed; a second one is followed.
-/// There may be one at a time. A program that was started with the signal ignored goes on ignoring it.
+/// As long as it lives, the user's wish to end what the program does is noted instead of ending the program; a second
+/// one ends it. There may be one at a time, and what an earlier one has noted is forgotten. A program that was started
+/// with the signal ignored goes on ignoring it.
 class InterruptWatch {
 public:
     InterruptWatch();
@@ -12,9 +15,11 @@ public:
     InterruptWatch& operator=(const InterruptWatch&) = delete;
     ~InterruptWatch();
 
-    /// Whether the user wants the program to end. Whoever waits for input then waits no longer: it looks as if it had
-    /// ended.
+    /// Whether the user wants it to end. Whoever waits for input then waits no longer: it looks as if it had ended.
     static bool IsInterrupted();
+
+    /// What IsInterrupted() reads.
+    static const std::atomic<bool>& GetFlag();
 
     /// Ends the process as it would have ended if nobody had watched.
     [[noreturn]] static void EndProcess();

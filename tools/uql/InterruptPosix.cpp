@@ -1,6 +1,5 @@
 #include "Interrupt.h"
 
-#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -30,6 +29,7 @@ extern "C" void NoteInterrupt(int) {
 } // namespace
 
 InterruptWatch::InterruptWatch() {
+    isInterrupted = false;
     if (::sigaction(SIGINT, nullptr, &before) != 0 || before.sa_handler == SIG_IGN) {
         return;
     }
@@ -62,6 +62,8 @@ InterruptWatch::~InterruptWatch() {
 }
 
 bool InterruptWatch::IsInterrupted() { return isInterrupted; }
+
+const std::atomic<bool>& InterruptWatch::GetFlag() { return isInterrupted; }
 
 void InterruptWatch::EndProcess() {
     struct sigaction action = {};

@@ -1,7 +1,5 @@
 #include "Interrupt.h"
 
-#include <atomic>
-
 #include <windows.h>
 
 namespace OrvUQL::Tool {
@@ -18,11 +16,16 @@ BOOL WINAPI NoteInterrupt(DWORD event) {
 
 } // namespace
 
-InterruptWatch::InterruptWatch() { ::SetConsoleCtrlHandler(NoteInterrupt, TRUE); }
+InterruptWatch::InterruptWatch() {
+    isInterrupted = false;
+    ::SetConsoleCtrlHandler(NoteInterrupt, TRUE);
+}
 
 InterruptWatch::~InterruptWatch() { ::SetConsoleCtrlHandler(NoteInterrupt, FALSE); }
 
 bool InterruptWatch::IsInterrupted() { return isInterrupted; }
+
+const std::atomic<bool>& InterruptWatch::GetFlag() { return isInterrupted; }
 
 void InterruptWatch::EndProcess() { ::ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT)); }
 

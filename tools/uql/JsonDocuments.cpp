@@ -1,5 +1,6 @@
 #include "JsonDocuments.h"
 
+#include "JsonLines.h"
 #include "JsonSyntax.h"
 
 #include <algorithm>
@@ -26,8 +27,10 @@ JsonDocuments::EResult JsonDocuments::Next(SourceRecord& document, bool wait, st
                 return End;
             }
             place = filled; // the last document may be a number, or incomplete
-            end = filled;
-            state = BeforeDocument;
+            if (!CutOff(std::nullopt)) {
+                end = filled;
+                state = BeforeDocument;
+            }
             break;
         }
         if (!wait && input.WouldWait()) {
@@ -286,6 +289,10 @@ bool JsonDocuments::TakeMark(std::size_t mark) {
     case ']':
         return --depth == 0;
     case '\n': // it goes on over the end of its line
+        if (dropped + begin < cutOffEnd) {
+            place = mark;
+            return true;
+        }
         place = begin;
         tokens.Begin();
         token = NoToken;
@@ -348,11 +355,8 @@ bool JsonDocuments::ScanToken() {
 void JsonDocuments::BreakHere() {
     isBroken = false;
     end = place + 1;
-    if (line > documentLine && TakesLinesAlong()) {
-        const std::string_view text(buffer.data() + begin, place - begin);
-        place = begin + text.find('\n');
-        line = documentLine;
-        state = BeforeDocument;
+    // A document that is nested too deep is one, whatever its lines look like.
+    if (!tokens.IsFull() && CutOff(buffer[place])) {
         return;
     }
     const std::size_t lineStart = lineBegin - dropped; // of a line that the document began before, or its own
@@ -362,39 +366,23 @@ void JsonDocuments::BreakHere() {
     state = beginsLine || buffer[place] == '\n' ? BeforeDocument : BehindBroken;
 }
 
-/// Whether the second line of a broken document is a document of its own, which the first one, cut off where a value
-/// was missing, took for that value: then that line is read again. Lines that begin farther right are no such lines.
-bool JsonDocuments::TakesLinesAlong() const {
-    const std::string_view text(buffer.data() + begin, place - begin);
-    const std::string_view second = text.substr(text.find('\n') + 1);
-    const std::size_t lineEnd = second.find('\n');
-    if (documentColumn != 1 || lineEnd == std::string_view::npos || (second[0] != '{' && second[0] != '[')) {
+/// Ends a document that has taken lines along behind its first one, if it has: then these are read again. `next` is the
+/// byte at `place`, which cannot be; nothing at the end of input.
+bool JsonDocuments::CutOff(std::optional<char> next) {
+    if (state != InTokens) {
         return false;
     }
-    JsonTokens lineTokens;
-    lineTokens.Begin();
-    for (std::size_t at = 0; at < lineEnd;) {
-        const char c = second[at++];
-        bool isTaken = true;
-        if (c == '"') {
-            while (second[at] != '"') { // a quote that is not closed would have ended the document
-                at += second[at] == '\\' ? 2 : 1;
-            }
-            ++at;
-            isTaken = lineTokens.TakeString();
-        } else if (EndsJsonScalar(c)) {
-            isTaken = IsJsonBlank(c) || lineTokens.TakePunctuation(c);
-        } else {
-            while (!EndsJsonScalar(second[at])) {
-                ++at;
-            }
-            isTaken = lineTokens.TakeScalar();
-        }
-        if (!isTaken) {
-            return false;
-        }
+    const std::string_view text(buffer.data() + begin, place - begin);
+    const std::size_t length = FindCutOffLines(text, next);
+    if (length == 0) {
+        return false;
     }
-    return lineTokens.IsComplete();
+    cutOffEnd = dropped + begin + length;
+    end = begin + text.find('\n');
+    place = end;
+    line = documentLine;
+    state = BeforeDocument;
+    return true;
 }
 
 void JsonDocuments::CountLine(std::size_t lineBreak) {

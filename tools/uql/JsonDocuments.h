@@ -6,6 +6,7 @@
 #include "RecordSource.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,8 @@ namespace OrvUQL::Tool {
 /// brackets: whether it is JSON is for the reader of the document to say, who knows on which line it fails. A document
 /// of several lines is followed token by token, so that what is missing in one does not make the rest of the file a
 /// part of it: it is cut behind the first token that cannot be there, and the next document is looked for on the next
-/// line (on that token's own line if nothing stands before it).
+/// line (on that token's own line if nothing stands before it). If the lines behind its first one look like documents
+/// that it has taken along, it is cut at the end of that line and they are read again.
 class JsonDocuments : public RecordSource {
 public:
     explicit JsonDocuments(InputStream stream);
@@ -39,7 +41,7 @@ private:
     bool ScanTokens();
     bool ScanToken();
     void BreakHere();
-    bool TakesLinesAlong() const;
+    bool CutOff(std::optional<char> next);
     void CountLine(std::size_t lineBreak);
     bool SkipByteOrderMark();
     void MakeRoom();
@@ -53,11 +55,12 @@ private:
     std::size_t line = 1;      // of `place`
     std::size_t lineBegin = 0; // in the file
     EState state = BeforeDocument;
-    std::size_t depth = 0;   // of InNested
-    bool isInString = false; // of InNested
-    JsonTokens tokens;       // of InTokens
-    EToken token = NoToken;  // the one that `place` is in
-    bool isBroken = false;   // `place` is at a byte that cannot be
+    std::size_t depth = 0;     // of InNested
+    bool isInString = false;   // of InNested
+    JsonTokens tokens;         // of InTokens
+    EToken token = NoToken;    // the one that `place` is in
+    bool isBroken = false;     // `place` is at a byte that cannot be
+    std::size_t cutOffEnd = 0; // in the file: what begins before and does not end on its line is cut off there
     bool isAtHead = true;
     bool isAtEnd = false;
     std::size_t documentLine = 1;

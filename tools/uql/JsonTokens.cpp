@@ -1,7 +1,5 @@
 #include "JsonTokens.h"
 
-#include "JsonSyntax.h"
-
 namespace OrvUQL::Tool {
 
 void JsonTokens::Begin() {
@@ -15,7 +13,7 @@ bool JsonTokens::TakePunctuation(char c) {
     switch (c) {
     case '{':
     case '[':
-        if (!TakesValue() || open.size() == deepestJson) {
+        if (!TakesValue() || IsFull()) {
             return false;
         }
         open.push_back(c);

@@ -1,6 +1,8 @@
 // Whether brackets, quotes, commas and colons may follow each other as they do in a JSON document.
 #pragma once
 
+#include "JsonSyntax.h"
+
 #include <cstddef>
 #include <vector>
 
@@ -18,6 +20,8 @@ public:
     bool TakeString();
     bool TakeScalar();
 
+    /// No more brackets can be opened.
+    bool IsFull() const { return open.size() == deepestJson; }
     /// The document's last bracket has been taken.
     bool IsComplete() const { return open.empty() && next == End; }
 

@@ -1,4 +1,5 @@
 #include "File.h"
+#include "HistoryFile.h"
 #include "LineEditor.h"
 
 #include <algorithm>
@@ -7,10 +8,8 @@
 #include <csignal>
 #include <cstdio>
 #include <cwchar>
-#include <filesystem>
 #include <histedit.h>
 #include <sys/ioctl.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace OrvUQL::Tool {
@@ -84,11 +83,9 @@ public:
         editor = ::el_init("uql", stdin, stdout, stderr);
         entries = ::history_init();
         HistEvent event;
-        ::history(entries, &event, H_SETSIZE, 1000);
+        ::history(entries, &event, H_SETSIZE, HistoryFile::mostEntries);
         ::history(entries, &event, H_SETUNIQUE, 1);
-        if (!historyFile.empty()) {
-            ::history(entries, &event, H_LOAD, historyFile.c_str());
-        }
+        historyFile.Load(entries);
         if (editor == nullptr) {
             return;
         }
@@ -140,15 +137,10 @@ public:
 
     void AddToHistory(const std::string& entry) override {
         HistEvent event;
+        const bool isAgain = ::history(entries, &event, H_FIRST) == 0 && entry == event.str; // which adds nothing
         ::history(entries, &event, H_ENTER, entry.c_str());
-        if (!historyFile.empty()) { // at once: a query may end the process
-            namespace fs = std::filesystem;
-            const fs::path folder = fs::path(historyFile).parent_path();
-            std::error_code ignored;
-            if (fs::create_directories(folder, ignored)) { // what was typed is nobody else's business
-                fs::permissions(folder, fs::perms::owner_all, ignored);
-            }
-            ::history(entries, &event, H_SAVE, historyFile.c_str());
+        if (!isAgain) { // at once: a query may end the process
+            historyFile.Append(entry);
         }
     }
 
@@ -217,7 +209,7 @@ private:
     }
 
     Completer completer;
-    std::string historyFile;
+    HistoryFile historyFile;
     std::string prompt;
     std::string earlier; // of the entry that the line belongs to
     EditLine* editor = nullptr;

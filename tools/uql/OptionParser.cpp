@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -70,6 +71,17 @@ void AddArgumentOption(CLI::App& app, const char* name, const char* valueName, b
         ->allow_extra_args(false)
         ->type_name(std::string("NAME ") + valueName)
         ->option_text(std::string("NAME ") + valueName);
+}
+
+/// A bound for evaluations.
+void AddLimitOption(CLI::App& app, const char* name, const char* valueName, LimitSettings& limits,
+                    std::string (LimitSettings::*read)(std::string_view), const char* description) {
+    const auto take = [&limits, read, name](const std::string& text) {
+        if (const std::string mistake = (limits.*read)(text); !mistake.empty()) {
+            throw CLI::ValidationError(name, mistake);
+        }
+    };
+    app.add_option_function<std::string>(name, take, description)->type_name(valueName)->option_text(valueName);
 }
 
 /// The place of the query among the arguments; their number if there is none.
@@ -244,6 +256,13 @@ void AddEngineOptions(CLI::App& app, EngineSettings& settings, bool& noUnits) {
                    "Decimal places to which values with a unit count as equal;\n0, the default: one whole unit.")
         ->type_name("N")
         ->option_text("N");
+    AddLimitOption(
+        app, "--max-steps", "N", settings.limits, &LimitSettings::ReadSteps,
+        "End an evaluation that takes more steps (operators, calls, items and\nthe like); each record has as many.");
+    AddLimitOption(app, "--max-memory", "BYTES", settings.limits, &LimitSettings::ReadMemory,
+                   "End an evaluation whose values take more memory; k, M or G may follow\nthe number.");
+    AddLimitOption(app, "--timeout", "SECONDS", settings.limits, &LimitSettings::ReadSeconds,
+                   "End an evaluation that takes longer. Fractions are allowed.");
 }
 
 } // namespace OrvUQL::Tool

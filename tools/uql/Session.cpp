@@ -34,6 +34,7 @@ bool Session::Prepare(const EngineSettings& settings, std::string& error) {
         return false;
     }
     resolution = settings.resolution.value_or(0.0);
+    limits = settings.limits;
     lastValue = Ref<LastValue>(new LastValue());
     if (engine.GetVariable() == nullptr) {
         engine.SetVariable(lastValue.Get());
@@ -83,13 +84,25 @@ bool Session::Parse(const std::string& text, Query& query, SessionReply& reply) 
     return static_cast<bool>(query.tree);
 }
 
+void Session::SetLimits(const std::atomic<bool>* flag) {
+    if (limits.HasAny() || flag != nullptr) {
+        EvaluationLimits all = limits.MakeLimits();
+        all.cancel = flag;
+        engine.SetLimits(all);
+    } else {
+        engine.ClearLimits();
+    }
+}
+
 void Session::Evaluate(const std::string& text, SessionReply& reply) {
     Query query;
     if (!Parse(text, query, reply)) {
         return;
     }
     Ref<IError> error;
+    const CancelScope scope(*this);
     const Ref<IObject> value(engine.Evaluate(query.tree.Get(), error.Receive()));
+    usage = engine.GetUsage();
     if (!value) {
         ShowFailure(query, error.Get(), reply);
         return;

@@ -9,6 +9,7 @@
 #include "LastValue.h"
 #include "Ref.h"
 
+#include <atomic>
 #include <string>
 #include <string_view>
 
@@ -29,6 +30,9 @@ public:
     /// False with the reason in `error`: see PrepareEngine.
     bool Prepare(const EngineSettings& settings, std::string& error);
 
+    /// From now on queries end as soon as this flag is true. Borrowed.
+    void SetCancelFlag(const std::atomic<bool>& flag) { cancel = &flag; }
+
     /// A query, or a command, which begins with a colon.
     SessionReply Enter(const std::string& entry);
 
@@ -46,6 +50,21 @@ private:
         Ref<IQueryElement> tree;
     };
 
+    /// For as long as it lives the engine has the session's limits and the flag. Without the flag and without limits
+    /// evaluation is faster.
+    class CancelScope {
+    public:
+        explicit CancelScope(Session& owner) : session(owner) { session.SetLimits(session.cancel); }
+        CancelScope(const CancelScope&) = delete;
+        CancelScope& operator=(const CancelScope&) = delete;
+        ~CancelScope() { session.SetLimits(nullptr); }
+
+    private:
+        Session& session;
+    };
+
+    void SetLimits(const std::atomic<bool>* flag);
+    bool IsCancelled() const { return cancel != nullptr && *cancel; }
     /// False if the text cannot be parsed, which has then been told.
     bool Parse(const std::string& text, Query& query, SessionReply& reply);
     void Evaluate(const std::string& text, SessionReply& reply);
@@ -58,6 +77,9 @@ private:
     QueryEngine engine;
     bool isColoured;
     double resolution = 0.0;
+    LimitSettings limits;
+    const std::atomic<bool>* cancel = nullptr;
+    EvaluationUsage usage;    // of the last query, as far as it was counted
     Ref<LastValue> lastValue; // the engine's variable unless something else has been set
 };
 

@@ -2,11 +2,13 @@
 
 #include "ErrorReport.h"
 #include "File.h"
+#include "Interrupt.h"
 #include "LineEditor.h"
 #include "QueryArguments.h"
 #include "Session.h"
 
 #include <cstdlib>
+#include <optional>
 #include <string_view>
 
 namespace OrvUQL::Tool {
@@ -48,8 +50,13 @@ std::string JoinLines(const std::string& entry) {
 
 class Loop {
 public:
-    Loop(Session& owner, LineEditor& lineEditor, Output& results)
-        : session(owner), editor(lineEditor), output(results) {}
+    /// With `isInteractive` Ctrl-C ends a query and not the process.
+    Loop(Session& owner, LineEditor& lineEditor, Output& results, bool isInteractive)
+        : session(owner), editor(lineEditor), output(results), isWatching(isInteractive) {
+        if (isWatching) {
+            session.SetCancelFlag(InterruptWatch::GetFlag());
+        }
+    }
 
     /// False if something failed.
     bool Run() {
@@ -74,7 +81,7 @@ public:
             if (entry.find_first_not_of(" \t\r\n") != std::string::npos) {
                 entry.pop_back();
                 editor.AddToHistory(JoinLines(entry));
-                const SessionReply reply = session.Enter(entry);
+                const SessionReply reply = Enter(entry);
                 output.Write(reply.out);
                 output.Flush();
                 WriteToStandardError(reply.err);
@@ -87,9 +94,22 @@ public:
     }
 
 private:
+    SessionReply Enter(const std::string& entry) {
+        std::optional<InterruptWatch> watch;
+        if (isWatching) {
+            watch.emplace();
+        }
+        SessionReply reply = session.Enter(entry);
+        if (isWatching && InterruptWatch::IsInterrupted()) {
+            reply.out.insert(0, "\n"); // the terminal has shown ^C
+        }
+        return reply;
+    }
+
     Session& session;
     LineEditor& editor;
     Output& output;
+    bool isWatching;
 };
 
 } // namespace
@@ -114,7 +134,7 @@ int RunSession(QueryOptions options, Output& output) {
     if (!editor) {
         editor = LineEditor::MakePlain(isTerminal);
     }
-    const bool isGood = Loop(session, *editor, output).Run();
+    const bool isGood = Loop(session, *editor, output, isTerminal).Run();
     output.Flush();
     return isGood || isTerminal ? 0 : 1;
 }

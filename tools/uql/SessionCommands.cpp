@@ -42,6 +42,9 @@ bool ReadNumber(const std::string& text, int& number) {
 
 bool EqualsNoCase(const OrvStringT& a, const OrvStringT& b) { return a.CompareNoCase(b) == 0; }
 
+std::string FormatNumber(double number) { return OrvUtils::String::ToStringW(number).ToUtf8(); }
+std::string FormatNumber(std::uint64_t number) { return std::to_string(number); }
+
 /// "12.3 µs", with a unit that suits.
 std::string FormatSeconds(double seconds) {
     const char* unit = "s";
@@ -65,6 +68,9 @@ const std::vector<SessionCommands::Command>& SessionCommands::GetCommands() {
         {"explain", Query, "QUERY", "What came of each element of the query.", &SessionCommands::Explain},
         {"help", Names, "[TYPE|METHOD]", "This list; the methods of a type; what has a method of that name.",
          &SessionCommands::Help},
+        {"limits", Nothing, "[WHAT N|off]",
+         "Shows or sets what an evaluation may take: steps, memory (bytes; k, M, G), time\n(seconds).",
+         &SessionCommands::Limits},
         {"load", File, "FILE [N]", "Reads a record of JSON, the first or the Nth, for names with @.",
          &SessionCommands::Load},
         {"precision", Nothing, "[N]", "Decimal places to which values with a unit count as equal.",
@@ -209,6 +215,45 @@ void SessionCommands::Help(const std::string& argument, SessionReply& reply) {
     }
 }
 
+void SessionCommands::ShowLimits(SessionReply& reply) const {
+    const auto tell = [](const auto& limit, const char* unit) {
+        return limit ? FormatNumber(*limit) + unit : std::string("off");
+    };
+    const LimitSettings& limits = session.limits;
+    reply.out += "steps   " + tell(limits.steps, "") + "\n";
+    reply.out += "memory  " + tell(limits.memory, " bytes") + "\n";
+    reply.out += "time    " + tell(limits.seconds, " s") + "\n";
+    if (session.usage.steps != 0) {
+        reply.out += "The last query took " + std::to_string(session.usage.steps) + " steps and at most " +
+                     std::to_string(session.usage.peakMemory) + " bytes.\n";
+    }
+}
+
+void SessionCommands::Limits(const std::string& argument, SessionReply& reply) {
+    LimitSettings& limits = session.limits;
+    std::string value = argument;
+    const std::string name = TakeWord(value);
+    const bool isOff = value == "off";
+    std::string mistake;
+    if (argument.empty()) {
+        ShowLimits(reply);
+    } else if (argument == "off") {
+        limits = LimitSettings();
+    } else if (name == "steps") {
+        isOff ? limits.steps.reset() : void(mistake = limits.ReadSteps(value));
+    } else if (name == "memory") {
+        isOff ? limits.memory.reset() : void(mistake = limits.ReadMemory(value));
+    } else if (name == "time") {
+        isOff ? limits.seconds.reset() : void(mistake = limits.ReadSeconds(value));
+    } else {
+        mistake = ":limits [steps|memory|time N|off]";
+    }
+    if (!mistake.empty()) {
+        session.ShowError(mistake, reply);
+    }
+    session.SetLimits(nullptr);
+}
+
 void SessionCommands::Load(const std::string& argument, SessionReply& reply) {
     std::string path = argument;
     int wanted = 1;
@@ -234,6 +279,9 @@ void SessionCommands::Load(const std::string& argument, SessionReply& reply) {
             break;
         case RecordSource::Failed:
             break;
+        }
+        if (session.IsCancelled()) {
+            error = "interrupted";
         }
     }
     Ref<IObject> value;
@@ -336,6 +384,7 @@ void SessionCommands::Explain(const std::string& argument, SessionReply& reply) 
     }
     Explanation explanation(query.tree.Get());
     Ref<IError> error;
+    const Session::CancelScope scope(session);
     const Ref<IObject> value(explanation.Evaluate(session.engine, error.Receive()));
     if (!value) {
         session.ShowFailure(query, error.Get(), reply);
@@ -343,7 +392,8 @@ void SessionCommands::Explain(const std::string& argument, SessionReply& reply) 
     AppendTree(reply.out, *query.tree, TreeFormat::Text, &explanation);
 }
 
-/// Parsing is timed once. Evaluation is repeated for a while, or once where that takes longer.
+/// Parsing is timed once. Evaluation is repeated for a while, or once where that takes longer. It is not told to look
+/// at the flag, which would make it slower: that is done in between.
 void SessionCommands::Time(const std::string& argument, SessionReply& reply) {
     using Clock = std::chrono::steady_clock;
     const auto secondsSince = [](Clock::time_point begin) {
@@ -360,6 +410,10 @@ void SessionCommands::Time(const std::string& argument, SessionReply& reply) {
     int count = 0;
     double evaluation = 0.0;
     while (evaluation < enough) {
+        if (session.IsCancelled()) {
+            session.ShowError("interrupted", reply);
+            return;
+        }
         Ref<IError> error;
         const Ref<IObject> value(session.engine.Evaluate(query.tree.Get(), error.Receive()));
         if (!value) {

@@ -33,6 +33,7 @@ private:
     static const std::vector<Command>& GetCommands();
 
     void Help(const std::string& argument, SessionReply& reply);
+    void Limits(const std::string& argument, SessionReply& reply);
     void Load(const std::string& argument, SessionReply& reply);
     void Props(const std::string& argument, SessionReply& reply);
     void Var(const std::string& argument, SessionReply& reply);
@@ -44,6 +45,7 @@ private:
     void CompleteText(const std::string& argument, SessionReply& reply);
     void Quit(const std::string& argument, SessionReply& reply);
 
+    void ShowLimits(SessionReply& reply) const;
     void ListCommands(SessionReply& reply);
     bool ReadJson(const std::string& argument, Ref<IObject>& value, SessionReply& reply);
     std::vector<std::string> GetHelpNames();

@@ -17,6 +17,8 @@ constexpr std::wstring_view notAMethod[] = {L"Identifier '", L"' is not a method
 constexpr std::wstring_view unknownUnit[] = {L"Error parsing query: Unknown unit name '", L"' at position "};
 constexpr std::wstring_view invalidUnit[] = {L"Invalid unit name '", L"'"};
 
+constexpr std::wstring_view endsOfEvaluation[] = {L"Evaluation limit exceeded: ", L"Evaluation cancelled"};
+
 /// Elements that are looked at, at most: failures of records come in millions.
 constexpr int searchLimit = 1000;
 
@@ -145,6 +147,11 @@ template <class Visit> void Search(const IQueryElement& tree, Visit&& visit) {
 } // namespace
 
 OrvStringT SuggestName(const FailedQuery& failure) {
+    for (const std::wstring_view end : endsOfEvaluation) {
+        if (failure.message.View().substr(0, end.size()) == end) {
+            return OrvStringT(); // no name would have helped
+        }
+    }
     OrvStringT written;
     OrvStringT typeName;
     std::wstring_view rest = failure.message.View();
