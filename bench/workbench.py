@@ -14,13 +14,14 @@ def run(*command):
         raise SystemExit("%s%s failed" % (done.stdout, " ".join(command)))
 
 
-def prepare(packages="bench", preset="release", folder=None, target="bench/all"):
+def prepare(packages="bench", preset="release", folder=None, target="bench/all", tests=False):
     """Installs what is missing and builds the programs as the library is delivered; the folder of the build."""
     folder = folder or os.path.join(TOP, "build", "bench")
     run("tools/setup", packages)
     # Configured each time, since an engine may have been installed since.
     run("cmake", "--preset", preset, "--log-level=WARNING", "-B", folder, "-D", "ORVUQL_BUILD_BENCHMARKS=ON",
-        "-D", "ORVUQL_BUILD_TOOLS=OFF", "-D", "ORVUQL_BUILD_TESTS=OFF", "-D", "ORVUQL_BUILD_EXAMPLES=OFF")
+        "-D", "ORVUQL_BUILD_TOOLS=OFF", "-D", "ORVUQL_BUILD_TESTS=" + ("ON" if tests else "OFF"),
+        "-D", "ORVUQL_BUILD_EXAMPLES=OFF")
     run("cmake", "--build", folder, "--target", target, "--", "--quiet")
     return folder
 

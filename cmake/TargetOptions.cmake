@@ -46,6 +46,10 @@ function(orvuql_target_options target)
         # What g++ 12 takes for uninitialised in instrumented code (<regex>, std::function) is not; the other builds
         # keep the warning.
         target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+        # And with the thread sanitizer it sees through a class's operator delete, but not through its operator new.
+        if(ORVUQL_SANITIZE MATCHES "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+            target_compile_options(${target} PRIVATE -Wno-mismatched-new-delete)
+        endif()
     endif()
     if(ORVUQL_COVERAGE)
         target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)

@@ -30,6 +30,16 @@
 #include <sanitizer/tsan_interface.h>
 #endif
 
+// The thread sanitizer notes in the books of the current stack which functions are entered and left. One that is entered
+// on one stack and left on the other must not be noted.
+#if !defined(ORVUQL_THREAD_SANITIZER)
+#define ORVUQL_CROSSES
+#elif defined(__clang__)
+#define ORVUQL_CROSSES __attribute__((disable_sanitizer_instrumentation))
+#else
+#define ORVUQL_CROSSES __attribute__((no_sanitize("thread")))
+#endif
+
 namespace OrvUQL::platform {
 
 namespace {
@@ -44,7 +54,7 @@ public:
     ~Crossing() { __tsan_destroy_fiber(inner); }
 #endif
 
-    void BeforeEntering([[maybe_unused]] std::uintptr_t low, [[maybe_unused]] std::size_t size) {
+    ORVUQL_CROSSES void BeforeEntering([[maybe_unused]] std::uintptr_t low, [[maybe_unused]] std::size_t size) {
 #if defined(ORVUQL_ADDRESS_SANITIZER)
         __sanitizer_start_switch_fiber(&fakeStack, reinterpret_cast<void*>(low), size);
 #endif
@@ -57,7 +67,7 @@ public:
         __sanitizer_finish_switch_fiber(nullptr, &outerLow, &outerSize);
 #endif
     }
-    void BeforeLeaving() {
+    ORVUQL_CROSSES void BeforeLeaving() {
 #if defined(ORVUQL_ADDRESS_SANITIZER)
         // No fake stack is kept: nobody comes back.
         __sanitizer_start_switch_fiber(nullptr, outerLow, outerSize);
@@ -95,7 +105,7 @@ struct Entry {
 };
 
 // makecontext passes ints.
-void Begin(unsigned high, unsigned lower) {
+ORVUQL_CROSSES void Begin(unsigned high, unsigned lower) {
     constexpr int half = 32;
     Entry& entry = *reinterpret_cast<Entry*>(std::uintptr_t{high} << half | lower);
     entry.crossing.Entered();

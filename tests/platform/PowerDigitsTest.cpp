@@ -2,6 +2,7 @@
 // be the same on every platform.
 
 #include "platform/Power.h"
+#include "support/Effort.h"
 
 #include <gtest/gtest.h>
 
@@ -281,7 +282,8 @@ TEST(PowerDigits, OfRoots) {
 
 TEST(PowerDigits, OfAnyDoubles) {
     std::mt19937_64 random(1729);
-    for (int i = 0; i < 10'000; ++i) {
+    const int rounds = OrvUQL::Tests::Effort(10'000);
+    for (int i = 0; i < rounds; ++i) {
         const double base = std::ldexp(static_cast<double>(random() >> 11), static_cast<int>(random() % 60) - 80);
         const int numerator = static_cast<int>(random() % 61) - 30;
         ExpectPower(base, numerator, 1 << random() % 3);
@@ -294,7 +296,8 @@ TEST(PowerDigits, OfAnyDoubles) {
 
 TEST(PowerDigits, OfAnyExponents) {
     std::mt19937_64 random(271828);
-    for (int i = 0; i < 10'000; ++i) {
+    const int rounds = OrvUQL::Tests::Effort(10'000);
+    for (int i = 0; i < rounds; ++i) {
         const double base = std::ldexp(static_cast<double>(random() >> 11) + 1, static_cast<int>(random() % 30) - 60);
         const double exponent = std::ldexp(static_cast<double>(random() >> 11), -53) * 40 - 20;
         ExpectGeneralPower(base, exponent);
@@ -304,7 +307,8 @@ TEST(PowerDigits, OfAnyExponents) {
 // With great exponents what the logarithm is off counts.
 TEST(PowerDigits, OfAnyExponentsOverTheWholeRange) {
     std::mt19937_64 random(314159);
-    for (int i = 0; i < 6'000; ++i) {
+    const int rounds = OrvUQL::Tests::Effort(6'000);
+    for (int i = 0; i < rounds; ++i) {
         const double base =
             i % 3 == 0
                 ? std::ldexp(static_cast<double>(random() >> 11) + 1, static_cast<int>(random() % 2000) - 1052)

@@ -2,6 +2,7 @@
 
 #include "platform/Regex.h"
 #include "platform/RegexPatternGenerator.h"
+#include "support/Effort.h"
 #include "support/Print.h"
 
 #include <gtest/gtest.h>
@@ -120,7 +121,7 @@ std::string Utf8(const std::wstring& text) { return OrvStringT(text).ToUtf8(); }
 
 TEST(RegexDifferential, AgreesWithTheStandardLibrary) {
     RegexPatternGenerator generator(20);
-    constexpr int patterns = 25'000;
+    const int patterns = OrvUQL::Tests::Effort(25'000);
     constexpr int subjectsEach = 4;
     int refused = 0;
     int matched = 0;

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 #include <functional>
 #include <regex>
 #include <string>
@@ -47,10 +47,11 @@ const std::string tooDeep = "error " + std::to_string(error_stack);
 class RegexHostile : public ::testing::TestWithParam<std::size_t> {
 protected:
     static void OnStack(const std::function<void()>& body) {
-        const auto begin = std::chrono::steady_clock::now();
+        // The processor's time (but on Windows, where this is what passes): a machine may have other things to do.
+        const std::clock_t begin = std::clock();
         RunOnThread(GetParam(), body);
         // Machines differ and sanitizers cost; without bounds these would take years.
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(60));
+        EXPECT_LT((std::clock() - begin) / CLOCKS_PER_SEC, 60);
     }
 };
 
