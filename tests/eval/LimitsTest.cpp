@@ -438,7 +438,7 @@ TEST_F(Limits, WhatIsExceededFirstIsTold) {
     limits.memory = 6000;
     limits.nanoseconds = std::chrono::nanoseconds(std::chrono::hours(1)).count();
     host.engine.SetLimits(limits);
-    EXPECT_EQ(Run(L"'a'.Repeat(2000).Length()"), noMemory);
+    EXPECT_EQ(Run(L"'a'.Repeat(5000).Length()"), noMemory);
     EXPECT_EQ(Run(L"array(1, 2, 3, 4, 5, 6, 7, 8, 9).ForEach(0, array(1, 2, 3, 4, 5, 6, 7, 8, 9).ForEach($lasteval, "
                   L"array(1, 2, 3, 4, 5, 6, 7, 8, 9).ForEach($lasteval, 0)))"),
               noSteps);
