@@ -40,6 +40,7 @@ Verdict Judge(const std::string& got, const std::string& right, Memory memory) {
 /// The value of a query, or its failure, as one line; the tree and the value are gone afterwards.
 std::string Evaluate(const std::wstring& query) {
     Host host;
+    host.engine.SetReleaseKeptReferences(true);
     ErrorSlot error;
     Ref<IQueryElement> tree(host.engine.ParseQuery(query.c_str(), error.Slot()));
     Ref<IObject> value(tree ? host.engine.Evaluate(tree.Get(), error.Slot()) : nullptr);

@@ -178,6 +178,7 @@ TEST_F(Limits, StepsDependOnTheQueryAndItsDataAlone) {
         const std::uint64_t steps = StepsOf(query);
         EXPECT_EQ(StepsOf(query), steps) << "with caches filled: " << Utf8(query);
         Host other;
+        other.engine.SetReleaseKeptReferences(true);
         other.engine.SetLimits(EvaluationLimits());
         other.Run(query);
         EXPECT_EQ(other.engine.GetUsage().steps, steps) << Utf8(query);
