@@ -1,6 +1,7 @@
-// A host with several threads. Each has an engine, functions, and a parsed query of its own, and makes its own objects of
-// the records that it takes; what they share is the host's data, which nobody changes, and a counter. What goes from one
-// thread to another are texts of the standard library, never objects of this one. Results come in the records' order.
+// A host with several threads. Each has an engine, functions, and a parsed query of its own, and makes its own objects
+// of the records that it takes; what they share is the host's data, which nobody changes, and a counter. What goes from
+// one thread to another are texts of the standard library, never objects of this one. Results come in the records'
+// order.
 #include <OrvUQL/OrvUQL.h>
 
 #include <algorithm>

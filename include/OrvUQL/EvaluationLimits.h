@@ -16,8 +16,8 @@ struct EvaluationLimits {
 
     /// How many steps it may take. What a step is depends on the query and its data alone, so that the same limit ends
     /// the same evaluation on every system and however busy that is:
-    /// - an evaluation that is asked for, an operator, a name that is looked up or called, an array with each of its
-    ///   items, and a group are one step each; literals are none;
+    /// - an evaluation that is asked for, an operator that has its operands, a name that is looked up or called, an
+    ///   array with each of its items, and a group are one step each; literals are none;
     /// - a method that looks at the items of an array, or makes some, takes one more for each;
     /// - a text that a method is called on, that an operator compares or makes, that becomes a number, or that a
     ///   method gives takes one more for each 64 code units in it;
@@ -30,8 +30,8 @@ struct EvaluationLimits {
     /// beside its values while it works, which is never more than a small multiple of them.
     std::size_t memory = unlimitedMemory;
 
-    /// How many nanoseconds it may take. The clock is looked at after no more than 32 steps, so a single step that is long, a
-    /// host's function above all, makes it longer.
+    /// How many nanoseconds it may take. The clock is looked at after no more than 32 steps, so a single step that is
+    /// long, a host's function above all, makes it longer.
     std::int64_t nanoseconds = unlimitedTime;
 
     /// Ends the evaluation as soon as it is true. Borrowed, and the only thing here that another thread may touch.

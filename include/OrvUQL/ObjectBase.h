@@ -93,11 +93,11 @@ public:
         ///     MethodMap::Property<&Part::GetPrice>(L"Price"),   // double Part::GetPrice() const
         ///     MethodMap::Property<&Part::name>(L"Name"),        // OrvStringT name
         ///
-        /// It gives a bool, an int (or a shorter integer), a double or float, an OrvStringT, a pointer to an object with
-        /// a reference that is handed over (null: the null value), a PropertyValue, or a std::optional of one of these
-        /// (empty: the null value). Evaluation reads it without making a value object, so this is the fastest way to
-        /// offer a property; but for that the row is like one of Method() with an empty signature. The getter may throw,
-        /// cannot fail otherwise, and must not release the object that it reads, as by giving the engine another
+        /// It gives a bool, an int (or a shorter integer), a double or float, an OrvStringT, a pointer to an object
+        /// with a reference that is handed over (null: the null value), a PropertyValue, or a std::optional of one of
+        /// these (empty: the null value). Evaluation reads it without making a value object, so this is the fastest way
+        /// to offer a property; but for that the row is like one of Method() with an empty signature. The getter may
+        /// throw, cannot fail otherwise, and must not release the object that it reads, as by giving the engine another
         /// property source.
         template <auto getter> static constexpr MethodMap Property(const wchar_t* name);
         /// Matches every name not found in an earlier row; hides the rows after it.

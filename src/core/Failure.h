@@ -40,8 +40,8 @@ bool FailForExcess(platform::Excess excess, IError** err) noexcept;
 /// that is exceeded.
 bool FailForShortage(IError** err) noexcept;
 
-/// Runs `body`. Where memory ends, the result is null or false, as by FailForShortage(). Any other exception, thrown by a
-/// host's own object, passes through.
+/// Runs `body`. Where memory ends, the result is null or false, as by FailForShortage(). Any other exception, thrown by
+/// a host's own object, passes through.
 template <class Body> ORVUQL_ALWAYS_INLINE auto Guarded(IError** err, Body&& body) -> decltype(body()) {
     try {
         return body();

@@ -25,8 +25,6 @@ public:
 private:
     QueryEngine& engine;
     std::optional<platform::Meter> meter;
-
-    bool IsOutermost() const noexcept;
 };
 
 } // namespace OrvUQL::detail

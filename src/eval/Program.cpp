@@ -162,7 +162,8 @@ ORVUQL_NOINLINE Value ApplySign(const Instruction& instruction, Value value, Que
                   [&] { return EvaluateSign(instruction.code == OperatorCode::Minus, holder, err); });
 }
 
-// Where a meter counts, each operator is a step, and each element is asked for itself, so that it counts its own.
+// Where a meter counts, each operator is a step as soon as it has its operands, and each element is asked for itself, so
+// that it counts its own.
 
 constexpr bool IsStep(Action action) noexcept {
     switch (action) {
@@ -188,15 +189,18 @@ constexpr bool IsStep(Action action) noexcept {
     }
 }
 
-/// Before an instruction. The accumulator is disposed of where that is one too many.
-void ChargeFor(const Instruction& instruction, const Value& accumulator, QueryEngine* engine) {
-    if (!IsStep(instruction.action)) {
-        return;
-    }
+/// Whether the operator has to ask for its right operand.
+constexpr bool AsksForOperand(Action action) noexcept {
+    return action == Action::CombineRead || action == Action::CombineItem || action == Action::CombineCall ||
+           action == Action::CombineElement;
+}
+
+/// The operand is disposed of where the step is one too many.
+void ChargeForOperator(const Instruction& instruction, const Value& operand, QueryEngine* engine) {
     try {
         platform::Charge(1);
     } catch (...) {
-        Dispose(accumulator);
+        Dispose(operand);
         FailAt(engine, instruction.position);
         throw;
     }
@@ -206,6 +210,13 @@ Value AskElement(const Instruction& instruction, QueryEngine* engine, IError** e
     return Unbox(ElementAccess::EvaluateObject(instruction.element, ElementKind::Method, engine, err));
 }
 
+/// Before an instruction, with the accumulator for an operand.
+void ChargeBefore(const Instruction& instruction, const Value& accumulator, QueryEngine* engine) {
+    if (IsStep(instruction.action) && !AsksForOperand(instruction.action)) {
+        ChargeForOperator(instruction, accumulator, engine);
+    }
+}
+
 /// Evaluates the right operand while the left one waits, which is disposed of if that fails.
 template <bool isMetered>
 ORVUQL_NOINLINE Value EvaluateBeside(Value left, const Instruction& instruction, QueryEngine* engine, IError** err) {
@@ -213,9 +224,13 @@ ORVUQL_NOINLINE Value EvaluateBeside(Value left, const Instruction& instruction,
     const Value right = instruction.action != Action::CombineElement && !isMetered
                             ? ElementAccess::CallValue(instruction.element, engine, err)
                             : Unbox(ElementAccess::EvaluateObject(instruction.element, instruction.kind, engine, err));
-    if (!right.Failed()) {
-        waiting.Detach();
+    if (right.Failed()) {
+        return right;
     }
+    if constexpr (isMetered) {
+        ChargeForOperator(instruction, right, engine);
+    }
+    waiting.Detach();
     return right;
 }
 
@@ -254,7 +269,7 @@ ORVUQL_NOINLINE Value LoadResult(const Instruction& instruction, QueryEngine* en
 #define ORVUQL_NEXT()                                                                                                  \
     do {                                                                                                               \
         if constexpr (isMetered) {                                                                                     \
-            ChargeFor(*at, accumulator, engine);                                                                       \
+            ChargeBefore(*at, accumulator, engine);                                                                    \
         }                                                                                                              \
         goto* places[static_cast<std::size_t>(at->action)];                                                            \
     } while (false)
@@ -263,7 +278,7 @@ ORVUQL_NOINLINE Value LoadResult(const Instruction& instruction, QueryEngine* en
 #define ORVUQL_START()                                                                                                 \
     for (;;) {                                                                                                         \
         if constexpr (isMetered) {                                                                                     \
-            ChargeFor(*at, accumulator, engine);                                                                       \
+            ChargeBefore(*at, accumulator, engine);                                                                    \
         }                                                                                                              \
         switch (at->action) {
 #define ORVUQL_ON(name) case Action::name:
@@ -528,16 +543,17 @@ combine : {
 template Value RunProgram<false>(const Instruction* at, QueryEngine* engine, Frame& frame);
 template Value RunProgram<true>(const Instruction* at, QueryEngine* engine, Frame& frame);
 
-Value Program::RunDeep(QueryEngine* engine, bool wantsObject, IError** err) const {
+template <bool isMetered> Value Program::RunDeep(QueryEngine* engine, bool wantsObject, IError** err) const {
     const std::unique_ptr<Value[]> room(new Value[depth]);
     Frame frame(room.get(), wantsObject, err);
-    return RunProgram<false>(Code(), engine, frame);
+    return RunProgram<isMetered>(Code(), engine, frame);
 }
 
+template Value Program::RunDeep<false>(QueryEngine* engine, bool wantsObject, IError** err) const;
+template Value Program::RunDeep<true>(QueryEngine* engine, bool wantsObject, IError** err) const;
+
 Value Program::RunMetered(QueryEngine* engine, bool wantsObject, IError** err) const {
-    const std::unique_ptr<Value[]> room(new Value[depth]);
-    Frame frame(room.get(), wantsObject, err);
-    return RunProgram<true>(Code(), engine, frame);
+    return RunForm<true>(engine, wantsObject, err);
 }
 
 } // namespace OrvUQL::detail

@@ -110,11 +110,7 @@ public:
 
     /// The same for an evaluation that no meter counts.
     Value RunUnmetered(QueryEngine* engine, bool wantsObject, IError** err) const {
-        if (depth > Frame::nearDepth) [[unlikely]] {
-            return RunDeep(engine, wantsObject, err);
-        }
-        Frame frame(wantsObject, err);
-        return RunProgram<false>(Code(), engine, frame);
+        return RunForm<false>(engine, wantsObject, err);
     }
 
     /// What RunProgram() runs, where a plain frame has room enough and nobody counts; else null.
@@ -132,8 +128,17 @@ private:
     static std::size_t ByteSize(std::size_t instructionCount) noexcept {
         return sizeof(Program) + instructionCount * sizeof(Instruction);
     }
+    template <bool isMetered> Value RunForm(QueryEngine* engine, bool wantsObject, IError** err) const {
+        if (depth > Frame::nearDepth) [[unlikely]] {
+            return RunDeep<isMetered>(engine, wantsObject, err);
+        }
+        Frame frame(wantsObject, err);
+        return RunProgram<isMetered>(Code(), engine, frame);
+    }
+    template <bool isMetered> Value RunDeep(QueryEngine* engine, bool wantsObject, IError** err) const;
+
+    // Not inline: the metered form's frame is not to add to the other's use of the stack.
     Value RunMetered(QueryEngine* engine, bool wantsObject, IError** err) const;
-    Value RunDeep(QueryEngine* engine, bool wantsObject, IError** err) const;
     const Instruction* Code() const noexcept { return reinterpret_cast<const Instruction*>(this + 1); }
 };
 

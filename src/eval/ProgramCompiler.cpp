@@ -335,6 +335,7 @@ const Program* Program::Compile(const IQueryElement* element, ElementKind kind) 
 
 void Program::Destroy(const Program* program) noexcept {
     if (program != nullptr) {
+        const platform::UnmeteredScope asPartOfTheTree;
         platform::PoolFree(const_cast<Program*>(program), ByteSize(program->count));
     }
 }

@@ -21,8 +21,9 @@
 //
 // Levels are functions, and the levels of binary operators one function with a table. An operand without a sign or a
 // negation in front begins with a primary on all of its levels: it is parsed once, and then the levels' loops follow
-// each other from the tightest on. The loops of a level never recurse, and neither do the last branches of conditionals, so chains of any length parse on a small stack; what
-// does nest passes through ParseCondition(), which looks at the stack first.
+// each other from the tightest on. The loops of a level never recurse, and neither do the last branches of
+// conditionals, so chains of any length parse on a small stack; what does nest passes through ParseCondition(), which
+// looks at the stack first.
 #pragma once
 
 #include "OrvUQL/Elements.h"

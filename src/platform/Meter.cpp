@@ -41,7 +41,7 @@ Meter::Meter(const EvaluationLimits& limits) noexcept
     }
     if (outer == nullptr) {
         lists = kept;
-        SwapPool(kept);
+        DivertPool(kept);
     } else {
         lists = outer->lists;
         excess = outer->excess;
@@ -57,7 +57,7 @@ Meter::Meter(const EvaluationLimits& limits) noexcept
 Meter::~Meter() {
     CurrentThread().meter = outer;
     if (outer == nullptr) {
-        SwapPool(kept);
+        RestorePool(kept);
         return;
     }
     outer->steps += steps;
@@ -114,6 +114,9 @@ void Meter::Check() {
 bool Meter::Allows(std::uint64_t count) noexcept { return IsWithin(steps + count); }
 
 void* Meter::Allocate(std::size_t size) {
+    if (pauses != 0) {
+        return TakeBlock(lists, size);
+    }
     const std::int64_t after = bytes + static_cast<std::int64_t>(size);
     const std::int64_t grace = excess == Excess::None || byteLimit > mostBytes - memoryGrace ? 0 : memoryGrace;
     if (after > byteLimit + grace) {
@@ -127,7 +130,9 @@ void* Meter::Allocate(std::size_t size) {
 }
 
 void Meter::Free(void* block, std::size_t size) noexcept {
-    bytes -= static_cast<std::int64_t>(size);
+    if (pauses == 0) {
+        bytes -= static_cast<std::int64_t>(size);
+    }
     GiveBlock(lists, block, size);
 }
 

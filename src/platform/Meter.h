@@ -12,8 +12,8 @@
 ///
 /// Where there are limits, a meter is the thread's as long as the evaluation lasts, and all that works in proportion to
 /// its data charges it. Where there are none it costs a question to the thread's state at most, and where there is much
-/// to be asked (values, instructions) not even that: the pool's lists are empty while there is a meter, so that only its
-/// slow functions ask, and programs have an interpreter of their own for the thread that has one.
+/// to be asked (values, instructions) not even that: the pool's lists are empty while there is a meter, so that only
+/// its slow functions ask, and programs have an interpreter of their own for the thread that has one.
 namespace OrvUQL::platform {
 
 /// Which limit was exceeded first.
@@ -51,6 +51,8 @@ public:
     void Free(void* block, std::size_t size) noexcept;
 
 private:
+    friend class UnmeteredScope;
+
     Meter* outer;
     Excess excess = Excess::None;
     std::uint64_t steps = 0;
@@ -61,6 +63,7 @@ private:
     std::int64_t byteLimit;
     std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
     const std::atomic<bool>* cancel;
+    int pauses = 0;
     PoolList* lists; // the thread's: the outermost meter keeps them
     PoolList kept[poolClasses];
 
@@ -95,16 +98,25 @@ inline void ChargeUnits(std::int64_t units) {
 /// Before a text of so many units is made, which is charged later: throws std::bad_alloc if it would be too much.
 void RequireUnits(std::int64_t units);
 
-/// What is made meanwhile is no value of the evaluation's.
+/// What is made or freed meanwhile is no value of the evaluation's: the memory is the meter's lists' all the same, but
+/// does not count.
 class UnmeteredScope {
 public:
-    UnmeteredScope() noexcept : meter(CurrentThread().meter) { CurrentThread().meter = nullptr; }
+    UnmeteredScope() noexcept : meter(CurrentThread().meter) {
+        if (meter != nullptr) [[unlikely]] {
+            ++meter->pauses;
+        }
+    }
     UnmeteredScope(const UnmeteredScope&) = delete;
     UnmeteredScope& operator=(const UnmeteredScope&) = delete;
-    ~UnmeteredScope() { CurrentThread().meter = meter; }
+    ~UnmeteredScope() {
+        if (meter != nullptr) [[unlikely]] {
+            --meter->pauses;
+        }
+    }
 
 private:
-    Meter* meter;
+    Meter* const meter;
 };
 
 } // namespace OrvUQL::platform

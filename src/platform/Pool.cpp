@@ -2,6 +2,7 @@
 
 #include "platform/Meter.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace OrvUQL::platform {
@@ -46,13 +47,15 @@ void PoolFreeSlowly(void* block, std::size_t size) noexcept {
     ::operator delete(block);
 }
 
-void SwapPool(PoolList* lists) noexcept {
+void DivertPool(PoolList* kept) noexcept {
     ThreadState& thread = CurrentThread();
     OpenPool(thread); // what is given back meanwhile shall be kept
     for (PoolList& list : thread.pool) {
-        std::swap(list, *lists++);
+        *kept++ = std::exchange(list, PoolList());
     }
 }
+
+void RestorePool(const PoolList* kept) noexcept { std::copy_n(kept, poolClasses, CurrentThread().pool); }
 
 void* TakeBlock(PoolList* lists, std::size_t size) {
     void* const block = size <= poolLimit ? PopBlock(lists[PoolClass(size)]) : nullptr;
@@ -94,7 +97,8 @@ void PoolFree(void* block, std::size_t size) noexcept {
     ::operator delete(block);
 }
 
-void SwapPool(PoolList*) noexcept {}
+void DivertPool(PoolList*) noexcept {}
+void RestorePool(const PoolList*) noexcept {}
 void* TakeBlock(PoolList*, std::size_t size) { return ::operator new(size); }
 void GiveBlock(PoolList*, void* block, std::size_t) noexcept { ::operator delete(block); }
 

@@ -85,8 +85,11 @@ void PoolFree(void* block, std::size_t size) noexcept;
 
 // For a meter, which counts what is allocated and freed, and so has the lists' work done by the slow functions above.
 
-/// Exchanges the calling thread's lists with others.
-void SwapPool(PoolList* lists) noexcept;
+/// Moves the calling thread's lists to `kept`, and leaves it lists that neither hold nor take a block.
+void DivertPool(PoolList* kept) noexcept;
+
+/// Moves them back.
+void RestorePool(const PoolList* kept) noexcept;
 
 /// A block from the lists, or from the heap. Throws std::bad_alloc.
 void* TakeBlock(PoolList* lists, std::size_t size);

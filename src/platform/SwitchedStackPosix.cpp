@@ -30,8 +30,8 @@
 #include <sanitizer/tsan_interface.h>
 #endif
 
-// The thread sanitizer notes in the books of the current stack which functions are entered and left. One that is entered
-// on one stack and left on the other must not be noted.
+// The thread sanitizer notes in the books of the current stack which functions are entered and left. One that is
+// entered on one stack and left on the other must not be noted.
 #if !defined(ORVUQL_THREAD_SANITIZER)
 #define ORVUQL_CROSSES
 #elif defined(__clang__)

@@ -1,5 +1,5 @@
-// Whatever nests or grows, at sizes from ten to a hundred thousand (the table goes on to a million), on small stacks and
-// large ones: the answer, or the error that the documentation names for it; never the end of the process.
+// Whatever nests or grows, at sizes from ten to a hundred thousand (the table goes on to a million), on small stacks
+// and large ones: the answer, or the error that the documentation names for it; never the end of the process.
 
 #include "depth/Outcome.h"
 #include "depth/Sizes.h"

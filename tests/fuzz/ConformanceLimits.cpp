@@ -1,16 +1,20 @@
 // The queries of conformance files within limits: with just enough steps, and with just enough memory, each comes to
 // what it comes to without; with any less, to the error of the limit and nothing else, and the engine works afterwards.
+// The same for a tree with a host's element around each of its nodes, as tracing makes it.
 //
 //     conformance_limits FILE.uqlt...
 
 #include "fuzz/ConformanceQueries.h"
+#include "fuzz/DecoratedTree.h"
 #include "support/Print.h"
 #include "support/Ref.h"
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <string>
+#include <utility>
 
 namespace OrvUQL::Tests {
 namespace {
@@ -36,7 +40,18 @@ public:
         engine.SetReleaseKeptReferences(true);
         usual = Evaluate();
         isRandom = Mentions(query, L"rnd");
+        const std::uint64_t steps = RunTree();
+        const Ref<IQueryElement> plain = std::exchange(tree, Ref<IQueryElement>(Decorate(tree.Get())));
+        const std::uint64_t decoratedSteps = RunTree();
+        if (decoratedSteps != steps && !isRandom) {
+            Complain("other steps where it is traced",
+                     std::to_string(steps) + " and " + std::to_string(decoratedSteps));
+        }
+    }
 
+private:
+    /// The steps that it takes.
+    std::uint64_t RunTree() {
         EvaluationLimits limits;
         Expect("counted only", limits, usual);
         const EvaluationUsage usage = engine.GetUsage();
@@ -70,9 +85,9 @@ public:
         if (last != usual && !isRandom) {
             Complain("afterwards", last);
         }
+        return usage.steps;
     }
 
-private:
     std::string Evaluate() {
         ErrorSlot error;
         const Ref<IObject> value(engine.Evaluate(tree.Get(), error.Slot()));

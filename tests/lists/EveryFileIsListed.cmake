@@ -1,6 +1,6 @@
 # cmake -D FOLDER=... -D PATTERNS=... -D LIST=... -D EXCEPT=... -P EveryFileIsListed.cmake
-# Fails if a file below FOLDER whose name matches one of PATTERNS, and not the regular expression EXCEPT, is not a line of
-# the file LIST.
+# Fails if a file below FOLDER whose name matches one of PATTERNS, and not the regular expression EXCEPT, is not a line
+# of the file LIST.
 
 file(STRINGS ${LIST} listed)
 set(found)

@@ -1,7 +1,8 @@
 // The system's source of random bits, as a test wants it. For programs that link FailingRandomPosix.cpp or
-// FailingRandomWindows.cpp, which take the place of the system's function.
+// FailingRandomWindows.cpp, whose function takes the place of the system's.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace OrvUQL::Tests {
@@ -14,5 +15,8 @@ void RandomSourceFails(int code);
 
 /// How often it was asked.
 int RandomSourceCalls();
+
+/// What the function in the system's place does. 0, or the code of the failure.
+int AskRandomSource(void* buffer, std::size_t length) noexcept;
 
 } // namespace OrvUQL::Tests

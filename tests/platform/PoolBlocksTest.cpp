@@ -31,7 +31,8 @@ namespace OrvUQL::platform {
 namespace {
 
 // The next one to get a block may need all that its class has, though the first asked for less. It shows nowhere else:
-// an allocator's blocks may have room to spare, and there is no pool where a sanitizer would see what is written behind.
+// an allocator's blocks may have room to spare, and there is no pool where a sanitizer would see what is written
+// behind.
 TEST(PoolBlocks, AreAsLargeAsTheirClass) {
     std::thread([] { // whose lists are empty
         for (std::size_t size = 1; size <= 2 * poolLimit; ++size) {

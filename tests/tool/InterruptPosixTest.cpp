@@ -1,4 +1,5 @@
 // Ctrl-C, as a signal.
+#include "tool/LongRun.h"
 #include "tool/RunUql.h"
 
 #include <gtest/gtest.h>
@@ -26,20 +27,9 @@ TEST(UqlInterrupt, EndsARunThatWaitsForInput) {
 }
 
 TEST(UqlInterrupt, EndsARunThatHasMuchToDo) {
-    std::string record = "[1";
-    for (int number = 0; number < 1'000; ++number) {
-        record += ",1";
-    }
-    record += "]\n";
-    std::string json;
-    for (int number = 0; number < 5'000; ++number) {
-        json += record;
-    }
     for (const char* jobs : {"1", "2"}) {
-        const TestFile input(json);
-        // A million additions for each record: without the interruption it would take minutes.
-        RunningUql uql({"-j", jobs, "--unbuffered", "@Convert(@Convert($item + 1).Count).Count", input.GetPath()},
-                       RunningUql::ToPipe);
+        const TestFile input(LongRun::MakeRecords());
+        RunningUql uql({"-j", jobs, "--unbuffered", LongRun::query, input.GetPath()}, RunningUql::ToPipe);
         EXPECT_EQ(uql.ReadLine(), "1001\n");
         uql.Interrupt();
         const UqlRun run = uql.Wait();

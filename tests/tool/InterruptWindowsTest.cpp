@@ -1,4 +1,5 @@
 // Ctrl-C, pressed at a console.
+#include "tool/LongRun.h"
 #include "tool/TerminalWindows.h"
 
 #include <gmock/gmock.h>
@@ -16,20 +17,10 @@ using testing::StartsWith;
 constexpr int interrupted = static_cast<int>(0xC000013A);
 
 TEST(UqlInterrupt, EndsARunThatHasMuchToDo) {
-    std::string record = "[1";
-    for (int number = 0; number < 1'000; ++number) {
-        record += ",1";
-    }
-    record += "]\n";
-    std::string json;
-    for (int number = 0; number < 2'000; ++number) {
-        json += record;
-    }
-    const TestFile input(json);
+    const TestFile input(LongRun::MakeRecords());
     for (const char* jobs : {"1", "2"}) {
-        // A million additions for each record: without the interruption it would take minutes.
-        const UqlRun run = InterruptUqlAtTerminal(
-            {"-j", jobs, "--unbuffered", "@Convert(@Convert($item + 1).Count).Count", input.GetPath()}, "1001\n");
+        const UqlRun run =
+            InterruptUqlAtTerminal({"-j", jobs, "--unbuffered", LongRun::query, input.GetPath()}, "1001\n");
         EXPECT_EQ(run.status, interrupted);
         EXPECT_THAT(run.out, StartsWith("1001\n"));
         EXPECT_THAT(run.out, HasSubstr("\nuql: interrupted: 0 of "));

@@ -107,7 +107,7 @@ private:
     const Plan& plan;
 };
 
-class Type final : public ComObject<ITypeInfo> {
+class Type final : public TypeStub {
 public:
     explicit Type(const Plan& servers) : plan(servers) {}
 
@@ -126,21 +126,6 @@ public:
         *index = 0;
         return S_OK;
     }
-    STDMETHODIMP GetTypeAttr(TYPEATTR**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetFuncDesc(UINT, FUNCDESC**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetVarDesc(UINT, VARDESC**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetNames(MEMBERID, BSTR*, UINT, UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetRefTypeOfImplType(UINT, HREFTYPE*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetImplTypeFlags(UINT, INT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(LPOLESTR*, UINT, MEMBERID*) override { return E_NOTIMPL; }
-    STDMETHODIMP Invoke(PVOID, MEMBERID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetDocumentation(MEMBERID, BSTR*, BSTR*, DWORD*, BSTR*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetDllEntry(MEMBERID, INVOKEKIND, BSTR*, BSTR*, WORD*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetRefTypeInfo(HREFTYPE, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP AddressOfMember(MEMBERID, INVOKEKIND, PVOID*) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateInstance(IUnknown*, REFIID, PVOID*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetMops(MEMBERID, BSTR*) override { return E_NOTIMPL; }
-    STDMETHODIMP_(void) ReleaseTypeAttr(TYPEATTR*) override {}
     STDMETHODIMP_(void) ReleaseFuncDesc(FUNCDESC* description) override { EXPECT_NE(description, nullptr); }
     STDMETHODIMP_(void) ReleaseVarDesc(VARDESC*) override { ADD_FAILURE() << "there was none"; }
 

@@ -153,9 +153,29 @@ struct Member {
 ComRef<ITypeInfo> MakeType(const wchar_t* name, std::initializer_list<Member> functions,
                            std::initializer_list<Member> fields = {});
 
+/// A type of which nothing is known but what a class derived from this one says.
+class TypeStub : public ComObject<ITypeInfo> {
+public:
+    STDMETHODIMP GetTypeAttr(TYPEATTR**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetFuncDesc(UINT, FUNCDESC**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetVarDesc(UINT, VARDESC**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetNames(MEMBERID, BSTR*, UINT, UINT*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetRefTypeOfImplType(UINT, HREFTYPE*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetImplTypeFlags(UINT, INT*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(LPOLESTR*, UINT, MEMBERID*) override { return E_NOTIMPL; }
+    STDMETHODIMP Invoke(PVOID, MEMBERID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetDocumentation(MEMBERID, BSTR*, BSTR*, DWORD*, BSTR*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetDllEntry(MEMBERID, INVOKEKIND, BSTR*, BSTR*, WORD*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetRefTypeInfo(HREFTYPE, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP AddressOfMember(MEMBERID, INVOKEKIND, PVOID*) override { return E_NOTIMPL; }
+    STDMETHODIMP CreateInstance(IUnknown*, REFIID, PVOID*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetMops(MEMBERID, BSTR*) override { return E_NOTIMPL; }
+    STDMETHODIMP_(void) ReleaseTypeAttr(TYPEATTR*) override {}
+};
+
 /// A type that answers as it is told, for answers that no library gives. What it hands out it counts until it gets it
 /// back.
-class FakeType final : public ComObject<ITypeInfo> {
+class FakeType final : public TypeStub {
 public:
     /// What Bind finds: the kind of description, and how many of them are out.
     DESCKIND found = DESCKIND_NONE;
@@ -176,23 +196,8 @@ public:
     FUNCDESC function{};
     VARDESC variable{};
 
-    STDMETHODIMP GetTypeAttr(TYPEATTR**) override { return E_NOTIMPL; }
     STDMETHODIMP GetTypeComp(ITypeComp** names) override;
-    STDMETHODIMP GetFuncDesc(UINT, FUNCDESC**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetVarDesc(UINT, VARDESC**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetNames(MEMBERID, BSTR*, UINT, UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetRefTypeOfImplType(UINT, HREFTYPE*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetImplTypeFlags(UINT, INT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(LPOLESTR*, UINT, MEMBERID*) override { return E_NOTIMPL; }
-    STDMETHODIMP Invoke(PVOID, MEMBERID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetDocumentation(MEMBERID, BSTR*, BSTR*, DWORD*, BSTR*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetDllEntry(MEMBERID, INVOKEKIND, BSTR*, BSTR*, WORD*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetRefTypeInfo(HREFTYPE, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP AddressOfMember(MEMBERID, INVOKEKIND, PVOID*) override { return E_NOTIMPL; }
-    STDMETHODIMP CreateInstance(IUnknown*, REFIID, PVOID*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetMops(MEMBERID, BSTR*) override { return E_NOTIMPL; }
     STDMETHODIMP GetContainingTypeLib(ITypeLib** library, UINT* index) override;
-    STDMETHODIMP_(void) ReleaseTypeAttr(TYPEATTR*) override {}
     STDMETHODIMP_(void) ReleaseFuncDesc(FUNCDESC* description) override;
     STDMETHODIMP_(void) ReleaseVarDesc(VARDESC* description) override;
 };

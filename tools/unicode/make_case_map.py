@@ -3,9 +3,9 @@
 
     tools/unicode/make_case_map.py [UnicodeData.txt] > src/platform/CaseMapTable.inc
 
-UnicodeData.txt comes with Debian's package unicode-data. The simple mappings of the Basic Multilingual Plane are written
-as distances (modulo 2^16) in two stages: a row of distances for each block of 64 code units, equal rows once, and for each
-direction the number of the row for every block. --check FILE compares instead of writing.
+UnicodeData.txt comes with Debian's package unicode-data. The simple mappings of the Basic Multilingual Plane are
+written as distances (modulo 2^16) in two stages: a row of distances for each block of 64 code units, equal rows once,
+and for each direction the number of the row for every block. --check FILE compares instead of writing.
 """
 
 import argparse

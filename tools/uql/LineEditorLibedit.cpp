@@ -115,8 +115,8 @@ public:
         prompt = text;
         earlier = earlierLines;
         const SignalScope signals;
-        // At once, and not only behind the prompt as the library does it: what is typed between the two, Ctrl-D above all,
-        // would have another meaning.
+        // At once, and not only behind the prompt as the library does it: what is typed between the two, Ctrl-D above
+        // all, would have another meaning.
         ::el_set(editor, EL_PREP_TERM, 1);
         int count = 0;
         const char* const read = ::el_gets(editor, &count);
