@@ -6,6 +6,7 @@
 
 #include "fuzz/ConformanceQueries.h"
 #include "fuzz/DecoratedTree.h"
+#include "support/Effort.h"
 #include "support/Print.h"
 #include "support/Ref.h"
 
@@ -27,8 +28,14 @@ struct Counts {
 
 class Check {
 public:
-    Check(QueryEngine& usedEngine, const Tool::ConformanceCase& conformanceCase, std::string where, Counts& allCounts)
-        : engine(usedEngine), query(conformanceCase), place(std::move(where)), counts(allCounts) {}
+    /// The more tries, the closer to each other are the limits that are tried.
+    Check(QueryEngine& usedEngine, const Tool::ConformanceCase& conformanceCase, std::string where, int limitTries,
+          Counts& allCounts)
+        : engine(usedEngine),
+          query(conformanceCase),
+          place(std::move(where)),
+          tries(static_cast<unsigned>(limitTries)),
+          counts(allCounts) {}
 
     void RunAll() {
         ErrorSlot error;
@@ -63,7 +70,7 @@ private:
         if (!isRandom) {
             Expect("within its steps", limits, usual);
         }
-        for (std::uint64_t steps = 0; steps < usage.steps; steps += 1 + steps / 40) {
+        for (std::uint64_t steps = 0; steps < usage.steps; steps += 1 + steps / tries) {
             limits.steps = steps;
             ExpectEnd("with fewer steps", limits, "! Evaluation limit exceeded: steps");
         }
@@ -72,7 +79,8 @@ private:
         if (!isRandom) {
             Expect("within its memory", limits, usual);
         }
-        for (std::size_t less = 1; less <= usage.peakMemory; less += 1 + less / 20 + usage.peakMemory / 400) {
+        for (std::size_t less = 1; less <= usage.peakMemory;
+             less += 1 + 2 * less / tries + usage.peakMemory / (10 * tries)) {
             limits.memory = usage.peakMemory - less;
             ExpectEnd("with less memory", limits, "! Evaluation limit exceeded: memory");
         }
@@ -123,6 +131,7 @@ private:
     QueryEngine& engine;
     const Tool::ConformanceCase& query;
     std::string place;
+    unsigned tries;
     Ref<IQueryElement> tree;
     std::string usual;
     bool isRandom = false;
@@ -135,9 +144,10 @@ private:
 int main(int argc, char** argv) {
     using namespace OrvUQL;
     Tests::Counts counts;
+    const int tries = Tests::Effort(40);
     const bool isRead = Tests::ForEachConformanceQuery(
         argc, argv, [&](QueryEngine& engine, const Tool::ConformanceCase& query, const std::string& place) {
-            Tests::Check(engine, query, place, counts).RunAll();
+            Tests::Check(engine, query, place, tries, counts).RunAll();
         });
     std::printf("%ld queries, %ld evaluations ended by limits, %ld mistakes\n", counts.queries, counts.ended,
                 counts.mistakes);
