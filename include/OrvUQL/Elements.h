@@ -44,9 +44,6 @@ private:
 
 namespace detail {
 
-/// On whose value a name is invoked.
-enum class CallTarget : std::uint8_t { Parent, Global, PropertySource, GroupParent, Variable };
-
 /// What a call site knows, and what it remembers of its last look-up. Which tables a class has depends on the class
 /// alone, so the row found for one object of a class is that of all.
 struct CallSite {
@@ -58,8 +55,10 @@ struct CallSite {
     mutable const std::type_info* type = nullptr;         ///< the class of the last look-up
     mutable const ObjectBase::MethodMap* entry = nullptr; ///< the row found
     /// What the row's method without arguments computes, without the object around the result, or none where that has
-    /// to be asked for in the ordinary way. Null: the row has no such form.
-    mutable DirectMethod direct = nullptr;
+    /// to be asked for in the ordinary way. Never null: that a row has no such form it says itself, each time.
+    mutable DirectMethod direct;
+
+    CallSite() noexcept;
 };
 
 } // namespace detail

@@ -226,12 +226,28 @@ private:
 
 namespace detail {
 
+/// Whether an object of exactly this class looks names up in its table: that it does not override what does so. A class
+/// whose overriding functions are not public, or have overloads, is none.
+template <class T, class = void> inline constexpr bool looksNamesUp = false;
+template <class T>
+inline constexpr bool looksNamesUp<T, std::void_t<decltype(&T::Invoke), decltype(&T::IsStaticInstance)>> =
+    std::conjunction_v<std::is_same<decltype(&T::Invoke), decltype(&ObjectBase::Invoke)>,
+                       std::is_same<decltype(&T::IsStaticInstance), decltype(&ObjectBase::IsStaticInstance)>>;
+
 template <auto getter> struct Property {
+    using Object = typename MemberOf<decltype(getter)>::Object;
+
     ORVUQL_FLATTEN static Value Read(IObject* target) {
-        using Object = typename MemberOf<decltype(getter)>::Object;
         return ValueOf(ReadMember<getter>(static_cast<const Object&>(static_cast<const ObjectBase&>(*target))));
     }
-    static constexpr PropertySignature signature = {L"", &Property::Read};
+    static constexpr const std::type_info* GetPlainType() noexcept {
+        if constexpr (looksNamesUp<Object>) {
+            return &typeid(Object);
+        } else {
+            return nullptr;
+        }
+    }
+    static constexpr PropertySignature signature = {L"", &Property::Read, GetPlainType()};
 };
 
 } // namespace detail

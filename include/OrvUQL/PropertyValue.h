@@ -4,8 +4,10 @@
 #include "OrvUQL/Object.h"
 #include "OrvUQL/OrvString.h"
 
+#include <cstdint>
 #include <optional>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 namespace OrvUQL {
@@ -29,7 +31,7 @@ struct Value {
     ValueKind kind;
     union {
         bool boolean;
-        int integer;
+        std::int64_t integer; ///< an int, in a whole register: half of one costs more to hand on
         double number;
         wchar_t* text;   ///< one share of a text's buffer
         IObject* object; ///< one reference
@@ -68,6 +70,7 @@ struct Value {
     }
 
     bool Failed() const noexcept { return kind == ValueKind::None; }
+    int Integer() const noexcept { return static_cast<int>(integer); }
     /// The text of a value of kind Text.
     OrvStringT SharedText() const noexcept { return OrvStringT::ShareBuffer(text); }
 
@@ -126,6 +129,7 @@ using DirectMethod = Value (*)(IObject* target);
 struct PropertySignature {
     wchar_t text[2];
     DirectMethod read;
+    const std::type_info* plainType; ///< the getter's class if its objects look names up in their table; else null
 };
 
 /// MethodMap::baseAdjust of such rows.

@@ -28,34 +28,12 @@ struct EngineAccess {
     }
 
     /// The object of names that have no parent, borrowed; null if it is not set.
-    static IObject* Target(const QueryEngine* engine, CallTarget target) noexcept {
-        switch (target) {
-        case CallTarget::Variable:
-            return engine->variable;
-        case CallTarget::PropertySource:
-            return engine->propertySource;
-        case CallTarget::Global:
-            return engine->global;
-        case CallTarget::GroupParent:
-            return engine->groupParent;
-        default:
-            return nullptr;
-        }
-    }
-
-    /// The same for a target that is one of the engine's, without a choice to make.
-    static IObject* Slot(const QueryEngine* engine, CallTarget target) noexcept {
-        static constexpr IObject* QueryEngine::*slots[] = {&QueryEngine::global, &QueryEngine::propertySource,
-                                                           &QueryEngine::groupParent, &QueryEngine::variable};
-        static_assert(static_cast<int>(CallTarget::Global) == 1 && static_cast<int>(CallTarget::PropertySource) == 2 &&
-                      static_cast<int>(CallTarget::GroupParent) == 3 && static_cast<int>(CallTarget::Variable) == 4);
-        return engine->*slots[static_cast<std::size_t>(target) - 1];
-    }
+    static IObject* Target(const QueryEngine* engine, CallTarget target) noexcept { return engine->GetSlot(target); }
 
     /// Puts an object into the variable's slot, both references handed over; returns the one that was there. For those
     /// who bring that one back whatever happens.
     static IObject* ExchangeVariable(QueryEngine* engine, IObject* object) noexcept {
-        return std::exchange(engine->variable, object);
+        return std::exchange(engine->Slot(CallTarget::Variable), object);
     }
 
     static EvaluationState& State(QueryEngine& engine) noexcept { return engine.state; }
@@ -161,7 +139,10 @@ private:
     Value FailForMemory() const;
 };
 
-/// The direct form of a row that an object of exactly this class found, or null.
+/// The direct form of a row that an object of exactly this class found, or NoDirectMethod.
 DirectMethod FindDirectMethod(const std::type_info& type, const ObjectBase::MethodMap& entry) noexcept;
+
+/// In place of a row's direct form where it has none.
+inline Value NoDirectMethod(IObject*) noexcept { return Value::None(); }
 
 } // namespace OrvUQL::detail

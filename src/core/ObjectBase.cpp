@@ -42,11 +42,23 @@ const ObjectBase::MethodMap* FindRow(const ObjectBase* object, const ObjectBase:
     return nullptr;
 }
 
-/// The form of a row that gives its value without an object, or null.
+/// What belongs to the row of a property; null for any other row.
+const detail::PropertySignature* PropertyOf(const ObjectBase::MethodMap& row) noexcept {
+    // The row's signature is its first member.
+    return row.baseAdjust == detail::propertyMark ? reinterpret_cast<const detail::PropertySignature*>(row.signature)
+                                                  : nullptr;
+}
+
+/// Whether the class is known to look names up in its table from where its property was declared.
+bool IsPlainClass(const std::type_info& type, const ObjectBase::MethodMap& row) noexcept {
+    const detail::PropertySignature* const property = PropertyOf(row);
+    return property != nullptr && property->plainType != nullptr && *property->plainType == type;
+}
+
+/// The form of a row that gives its value without an object, or NoDirectMethod.
 detail::DirectMethod FindDirect(bool isPlain, const std::type_info& type, const ObjectBase::MethodMap& row) noexcept {
-    if (row.baseAdjust == detail::propertyMark) {
-        // The row's signature is the first member of this.
-        return isPlain ? reinterpret_cast<const detail::PropertySignature*>(row.signature)->read : nullptr;
+    if (const detail::PropertySignature* const property = PropertyOf(row)) {
+        return isPlain ? property->read : detail::NoDirectMethod;
     }
     return detail::FindDirectMethod(type, row);
 }
@@ -124,8 +136,8 @@ IObject* ObjectBase::InvokeNamed(QueryEngine* engine, const detail::CallSite* si
             site->type = type;
             site->entry = entry;
             site->isRead = *entry->signature == L'\0';
-            site->isPlain = site->isRead && IsPlain();
-            site->direct = site->isRead ? FindDirect(site->isPlain, *type, *entry) : nullptr;
+            site->isPlain = site->isRead && (IsPlainClass(*type, *entry) || IsPlain());
+            site->direct = site->isRead ? FindDirect(site->isPlain, *type, *entry) : detail::NoDirectMethod;
             return CallMethod(engine, *entry, name, site->name, args, err);
         }
         return CallMethod(engine, *entry, name, OrvStringT(name), args, err);

@@ -97,7 +97,7 @@ IObject* Box(Value value) {
     case ValueKind::Bool:
         return Make<ObjectBool>(value.boolean);
     case ValueKind::Int:
-        return Make<ObjectInt>(value.integer);
+        return Make<ObjectInt>(value.Integer());
     case ValueKind::Double:
         return Make<ObjectDouble>(value.number);
     case ValueKind::Text: {
@@ -144,7 +144,7 @@ bool ToInt(const Value& value, int& out, IError** err) {
         out = value.boolean ? 1 : 0;
         return true;
     case ValueKind::Int:
-        out = value.integer;
+        out = value.Integer();
         return true;
     case ValueKind::Double:
         return DoubleToInt(value.number, out) ||
@@ -167,7 +167,7 @@ bool ToDouble(const Value& value, double& out, IError** err) {
         out = value.boolean ? 1.0 : 0.0;
         return true;
     case ValueKind::Int:
-        out = value.integer;
+        out = value.Integer();
         return true;
     case ValueKind::Double:
         out = value.number;
@@ -191,7 +191,7 @@ bool AppendText(OrvStringT& text, const Value& value, IError** err) {
         platform::AppendTo(text, value.boolean);
         return true;
     case ValueKind::Int:
-        platform::AppendTo(text, value.integer);
+        platform::AppendTo(text, value.Integer());
         return true;
     case ValueKind::Double:
         platform::AppendTo(text, value.number);

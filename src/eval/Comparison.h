@@ -8,7 +8,8 @@
 
 namespace OrvUQL::detail {
 
-inline bool CompareInts(EOperType op, int a, int b) noexcept {
+/// `op` must be one of the enumerators.
+inline bool CompareIntsBy(EOperType op, int a, int b) noexcept {
     // For each comparison three bits, for less, equal and greater, in a byte: no branch that depends on the data.
     constexpr std::uint64_t less = 1;
     constexpr std::uint64_t equal = 2;
@@ -19,7 +20,11 @@ inline bool CompareInts(EOperType op, int a, int b) noexcept {
                                        (less | greater) << 8 * OperNotEqual;
     static_assert(OperNone == 0 && OperNotEqual == 7);
     const unsigned order = static_cast<unsigned>(a > b) + static_cast<unsigned>(a >= b);
-    return static_cast<unsigned>(op) < 8u && (verdicts >> (8u * static_cast<unsigned>(op) + order) & 1u) != 0;
+    return (verdicts >> (8u * static_cast<unsigned>(op) + order) & 1u) != 0;
+}
+
+inline bool CompareInts(EOperType op, int a, int b) noexcept {
+    return static_cast<unsigned>(op) < 8u && CompareIntsBy(op, a, b);
 }
 
 inline bool CompareDoubles(EOperType op, double a, double b, double tolerance) noexcept {

@@ -29,7 +29,7 @@ struct ElementAccess {
     /// The value of a call, which `element` must be.
     static Value CallValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
         const ElementMethod* const call = static_cast<const ElementMethod*>(element);
-        if (call->site.direct != nullptr && call->arguments.empty()) {
+        if (call->arguments.empty()) {
             IObject* const target = KnownTarget(call, engine);
             if (target != nullptr && call->site.type == &typeid(*target)) {
                 if (const Value value = ReadDirectly(call, target, engine); !value.Failed()) {
@@ -42,16 +42,21 @@ struct ElementAccess {
 
     /// The same for a call without arguments of a name without a parent.
     static ORVUQL_ALWAYS_INLINE Value ReadValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
+        const Value value = TryRead(element, engine);
+        return value.Failed() ? static_cast<const ElementMethod*>(element)->EvaluateValue(engine, err) : value;
+    }
+
+    /// Its value if the last object's class is still the one and has a getter that gives one; else none.
+    static ORVUQL_ALWAYS_INLINE Value TryRead(const IQueryElement* element, QueryEngine* engine) {
         const ElementMethod* const call = static_cast<const ElementMethod*>(element);
-        if (call->site.direct != nullptr && call->site.target != CallTarget::Parent && engine != nullptr) [[likely]] {
-            IObject* const target = EngineAccess::Slot(engine, call->site.target);
-            if (target != nullptr && call->site.type == &typeid(*target)) [[likely]] {
-                if (const Value value = ReadDirectly(call, target, engine); !value.Failed()) [[likely]] {
-                    return value;
-                }
-            }
+        if (engine == nullptr) [[unlikely]] {
+            return Value::None();
         }
-        return call->EvaluateValue(engine, err);
+        IObject* const target = EngineAccess::Target(engine, call->site.target);
+        if (target == nullptr || call->site.type != &typeid(*target)) [[unlikely]] {
+            return Value::None();
+        }
+        return ReadDirectly(call, target, engine);
     }
 
     /// The same for "$item" and "$lasteval", which array methods answer for each item.
@@ -140,7 +145,8 @@ private:
 
     /// The variable if it is exactly the library's iterator, which has its own table.
     static const ObjectIterator* VariableIterator(const QueryEngine* engine) noexcept {
-        const IObject* const variable = engine == nullptr ? nullptr : EngineAccess::Slot(engine, CallTarget::Variable);
+        const IObject* const variable =
+            engine == nullptr ? nullptr : EngineAccess::Target(engine, CallTarget::Variable);
         return variable != nullptr && &typeid(*variable) == &typeid(ObjectIterator)
                    ? static_cast<const ObjectIterator*>(variable)
                    : nullptr;

@@ -11,6 +11,8 @@
 
 namespace OrvUQL {
 
+detail::CallSite::CallSite() noexcept : direct(detail::NoDirectMethod) {}
+
 using detail::ElementAccess;
 using detail::ElementKind;
 using detail::EngineAccess;

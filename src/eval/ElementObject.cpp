@@ -54,7 +54,7 @@ void ElementObject::Decode() {
         scalar.boolean = decoded->boolean;
         break;
     case ValueKind::Int:
-        scalar.integer = decoded->integer;
+        scalar.integer = decoded->Integer();
         break;
     case ValueKind::Double:
         scalar.number = decoded->number;

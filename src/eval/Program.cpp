@@ -79,15 +79,15 @@ ORVUQL_ALWAYS_INLINE Value CombineDoubles(OperatorCode code, double left, double
 
 ORVUQL_ALWAYS_INLINE Value CombineNumbers(OperatorCode code, Value left, Value right, IError** err) {
     if (left.kind == ValueKind::Int && right.kind == ValueKind::Int) {
-        return CombineInts(code, left.integer, right.integer, err);
+        return CombineInts(code, left.Integer(), right.Integer(), err);
     }
     const bool areNumbers = (left.kind == ValueKind::Int || left.kind == ValueKind::Double) &&
                             (right.kind == ValueKind::Int || right.kind == ValueKind::Double);
     if (!areNumbers) {
         return NoShortWay();
     }
-    return CombineDoubles(code, left.kind == ValueKind::Int ? left.integer : left.number,
-                          right.kind == ValueKind::Int ? right.integer : right.number, err);
+    return CombineDoubles(code, left.kind == ValueKind::Int ? left.Integer() : left.number,
+                          right.kind == ValueKind::Int ? right.Integer() : right.number, err);
 }
 
 /// The rule of an operator for any two operands.
@@ -155,6 +155,11 @@ inline Value CompareWithLiteral(const Instruction& instruction, Value text) noex
                                       ElementAccess::LiteralText(instruction.element)));
 }
 
+/// What follows a comparison and the BranchIfFalse behind it.
+inline const Instruction* Branch(const Instruction* comparison, bool truth) noexcept {
+    return comparison + (truth ? 2 : 1 + comparison[1].distance);
+}
+
 /// Takes the operand over.
 ORVUQL_NOINLINE Value ApplySign(const Instruction& instruction, Value value, QueryEngine* engine, IError** err) {
     ValueHolder holder(value);
@@ -192,7 +197,7 @@ constexpr bool IsStep(Action action) noexcept {
 /// Whether the operator has to ask for its right operand.
 constexpr bool AsksForOperand(Action action) noexcept {
     return action == Action::CombineRead || action == Action::CombineItem || action == Action::CombineCall ||
-           action == Action::CombineElement;
+           action == Action::CombineElement || action == Action::CompareRead;
 }
 
 /// The operand is disposed of where the step is one too many.
@@ -206,8 +211,14 @@ void ChargeForOperator(const Instruction& instruction, const Value& operand, Que
     }
 }
 
-Value AskElement(const Instruction& instruction, QueryEngine* engine, IError** err) {
-    return Unbox(ElementAccess::EvaluateObject(instruction.element, ElementKind::Method, engine, err));
+/// The value of a call.
+template <bool isMetered>
+ORVUQL_NOINLINE Value AskElement(const Instruction& instruction, QueryEngine* engine, const Frame& frame) {
+    if constexpr (isMetered) {
+        return Unbox(ElementAccess::EvaluateObject(instruction.element, ElementKind::Method, engine, frame.err));
+    } else {
+        return ElementAccess::CallValue(instruction.element, engine, frame.err);
+    }
 }
 
 /// Before an instruction, with the accumulator for an operand.
@@ -234,14 +245,12 @@ ORVUQL_NOINLINE Value EvaluateBeside(Value left, const Instruction& instruction,
     return right;
 }
 
-/// The value of the program's result, which is that of an element.
+/// The value of the program's result, which is that of an element; not for a literal text where none has to be its
+/// very object.
 template <bool isMetered>
 ORVUQL_NOINLINE Value LoadResult(const Instruction& instruction, QueryEngine* engine, const Frame& frame) {
     if (!frame.wantsObject && !isMetered) {
         if (instruction.kind == ElementKind::Object) {
-            if (ElementAccess::LiteralKind(instruction.element) == ValueKind::Text) {
-                return LiteralText(instruction);
-            }
             const Value scalar = ElementAccess::LiteralScalar(instruction.element);
             if (!scalar.Failed()) {
                 return scalar;
@@ -313,11 +322,14 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     ++at;
     ORVUQL_NEXT();
     ORVUQL_ON(LoadRead)
-    if constexpr (isMetered) {
-        accumulator = AskElement(*at, engine, frame.err);
-    } else {
-        accumulator = ElementAccess::ReadValue(at->element, engine, frame.err);
+    if constexpr (!isMetered) {
+        accumulator = ElementAccess::TryRead(at->element, engine);
+        if (!accumulator.Failed()) [[likely]] {
+            ++at;
+            ORVUQL_NEXT();
+        }
     }
+    accumulator = AskElement<isMetered>(*at, engine, frame);
     if (accumulator.Failed()) {
         return accumulator;
     }
@@ -325,7 +337,7 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     ORVUQL_NEXT();
     ORVUQL_ON(LoadItem)
     if constexpr (isMetered) {
-        accumulator = AskElement(*at, engine, frame.err);
+        accumulator = AskElement<isMetered>(*at, engine, frame);
     } else {
         accumulator = ElementAccess::ItemValue(at->element, engine, frame.err);
     }
@@ -336,7 +348,7 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     ORVUQL_NEXT();
     ORVUQL_ON(LoadLast)
     if constexpr (isMetered) {
-        accumulator = AskElement(*at, engine, frame.err);
+        accumulator = AskElement<isMetered>(*at, engine, frame);
     } else {
         accumulator = ElementAccess::LastValue(at->element, engine, frame.err);
     }
@@ -346,11 +358,7 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     ++at;
     ORVUQL_NEXT();
     ORVUQL_ON(LoadCall)
-    if constexpr (isMetered) {
-        accumulator = AskElement(*at, engine, frame.err);
-    } else {
-        accumulator = ElementAccess::CallValue(at->element, engine, frame.err);
-    }
+    accumulator = AskElement<isMetered>(*at, engine, frame);
     if (accumulator.Failed()) {
         return accumulator;
     }
@@ -365,12 +373,12 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     ORVUQL_NEXT();
 
     ORVUQL_ON(LoadResult)
-    accumulator = LoadResult<isMetered>(*at, engine, frame);
-    if (accumulator.Failed()) {
-        return accumulator;
+    // All that could follow are jumps to the end.
+    if (!isMetered && !frame.wantsObject && at->kind == ElementKind::Object &&
+        ElementAccess::LiteralKind(at->element) == ValueKind::Text) {
+        return LiteralText(*at);
     }
-    ++at;
-    ORVUQL_NEXT();
+    return LoadResult<isMetered>(*at, engine, frame);
 
     ORVUQL_ON(AddInt)
     if (accumulator.kind == ValueKind::Int) {
@@ -389,7 +397,7 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     goto combine;
     ORVUQL_ON(SubtractInt)
     if (accumulator.kind == ValueKind::Int) {
-        accumulator = SubtractInts(accumulator.integer, at->integer, frame.err);
+        accumulator = SubtractInts(accumulator.Integer(), at->integer, frame.err);
         if (accumulator.Failed()) {
             return FailAtInstruction(*at, engine);
         }
@@ -400,7 +408,7 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     goto combine;
     ORVUQL_ON(MultiplyInt)
     if (accumulator.kind == ValueKind::Int) {
-        accumulator = MultiplyInts(accumulator.integer, at->integer);
+        accumulator = MultiplyInts(accumulator.Integer(), at->integer);
         ++at;
         ORVUQL_NEXT();
     }
@@ -408,7 +416,7 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     goto combine;
     ORVUQL_ON(DivideInt)
     if (accumulator.kind == ValueKind::Int) {
-        accumulator = Value::Double(static_cast<double>(accumulator.integer) / at->integer);
+        accumulator = Value::Double(static_cast<double>(accumulator.Integer()) / at->integer);
         ++at;
         ORVUQL_NEXT();
     }
@@ -429,11 +437,14 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     right = LiteralText(*at);
     goto combine;
     ORVUQL_ON(CombineRead)
-    if (isMetered || NeedsOwner(accumulator)) {
-        right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
-    } else {
-        right = ElementAccess::ReadValue(at->element, engine, frame.err);
+combineRead:
+    if (!isMetered && !NeedsOwner(accumulator)) {
+        right = ElementAccess::TryRead(at->element, engine);
+        if (!right.Failed()) [[likely]] {
+            goto combine;
+        }
     }
+    right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
     if (right.Failed()) {
         return right;
     }
@@ -464,6 +475,26 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
         return right;
     }
     goto combine;
+
+    ORVUQL_ON(CompareInt)
+    if (!isMetered && accumulator.kind == ValueKind::Int) {
+        at = Branch(at, CompareIntsBy(static_cast<EOperType>(at->code), accumulator.Integer(), at->integer));
+        ORVUQL_NEXT();
+    }
+    right = Value::Int(at->integer);
+    goto combine;
+    ORVUQL_ON(CompareRead)
+    if (!isMetered && accumulator.kind == ValueKind::Int) {
+        right = ElementAccess::TryRead(at->element, engine);
+        if (right.kind == ValueKind::Int) {
+            at = Branch(at, CompareIntsBy(static_cast<EOperType>(at->code), accumulator.Integer(), right.Integer()));
+            ORVUQL_NEXT();
+        }
+        if (!right.Failed()) {
+            goto combine;
+        }
+    }
+    goto combineRead;
 
     ORVUQL_ON(Push)
     frame.Push(accumulator);

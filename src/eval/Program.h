@@ -55,6 +55,9 @@ namespace OrvUQL::detail {
     ACTION(CombineItem)                                                                                                \
     ACTION(CombineCall)                                                                                                \
     ACTION(CombineElement)                                                                                             \
+    /* CombineInt and CombineRead of a comparison that a BranchIfFalse follows, for two ints done along with it. */    \
+    ACTION(CompareInt)                                                                                                 \
+    ACTION(CompareRead)                                                                                                \
     /* The accumulator is put aside; and becomes the right operand of what was put aside last. */                      \
     ACTION(Push)                                                                                                       \
     ACTION(CombinePushed)                                                                                              \

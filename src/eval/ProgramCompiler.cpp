@@ -208,7 +208,7 @@ private:
         const Value value = ElementAccess::LiteralScalar(element);
         if (value.kind == ValueKind::Int) {
             instruction.action = asInt;
-            instruction.integer = value.integer;
+            instruction.integer = value.Integer();
             return true;
         }
         if (value.kind == ValueKind::Double) {
@@ -309,11 +309,24 @@ private:
         }
     }
 
+    /// Of a condition's last instruction.
+    static void FuseComparison(Instruction& last) noexcept {
+        if (last.code > OperatorCode::NotEqual) {
+            return;
+        }
+        if (last.action == Action::CombineInt) {
+            last.action = Action::CompareInt;
+        } else if (last.action == Action::CombineRead) {
+            last.action = Action::CompareRead;
+        }
+    }
+
     void AddBranches(const OperatorTernary* node, bool isResult) {
         if (ElementAccess::CodeOf(node) != OperatorCode::Conditional) {
             Emit(Action::Fail, node);
             return;
         }
+        FuseComparison(code.back());
         const std::size_t at = EmitJump(Action::BranchIfFalse, node);
         Later(Step::SecondBranch, node, ElementKind::Other, at, isResult);
         Later(VisitBranch(isResult), node->GetFirst(), ElementAccess::ChildKind(node, 1));

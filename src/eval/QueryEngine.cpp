@@ -59,10 +59,9 @@ QueryEngine::~QueryEngine() {
     }
     ReleaseStack(groupParentStack);
     ReleaseStack(variableStack);
-    ReleaseObject(global);
-    ReleaseObject(propertySource);
-    ReleaseObject(groupParent);
-    ReleaseObject(variable);
+    for (IObject*& target : targets) {
+        ReleaseObject(target);
+    }
 }
 
 IObject* QueryEngine::Evaluate(IQueryElement* element, IError** err) {
@@ -95,7 +94,7 @@ bool TakeExactly(const detail::Value& value, int& out) noexcept {
     if (value.kind != detail::ValueKind::Int) {
         return false;
     }
-    out = value.integer;
+    out = value.Integer();
     return true;
 }
 
@@ -105,7 +104,7 @@ bool TakeExactly(const detail::Value& value, double& out) noexcept {
         return true;
     }
     if (value.kind == detail::ValueKind::Int) {
-        out = value.integer;
+        out = value.Integer();
         return true;
     }
     return false;
@@ -259,15 +258,19 @@ bool QueryEngine::EvaluateTo(IQueryElement* element, OrvStringT& out, IError** e
     return EvaluateAs(element, out, err);
 }
 
-void QueryEngine::SetGlobal(IObject* object) { SetSlot(global, object); }
-void QueryEngine::SetPropertySource(IObject* object) { SetSlot(propertySource, object); }
-void QueryEngine::SetGroupParent(IObject* object) { SetSlot(groupParent, object); }
-void QueryEngine::SetVariable(IObject* object) { SetSlot(variable, object); }
+void QueryEngine::SetGlobal(IObject* object) { SetSlot(Slot(detail::CallTarget::Global), object); }
+void QueryEngine::SetPropertySource(IObject* object) { SetSlot(Slot(detail::CallTarget::PropertySource), object); }
+void QueryEngine::SetGroupParent(IObject* object) { SetSlot(Slot(detail::CallTarget::GroupParent), object); }
+void QueryEngine::SetVariable(IObject* object) { SetSlot(Slot(detail::CallTarget::Variable), object); }
 
-bool QueryEngine::PushGroupParent(IObject* object) { return Push(groupParentStack, groupParent, object); }
-bool QueryEngine::PushVariable(IObject* object) { return Push(variableStack, variable, object); }
-void QueryEngine::PopGroupParent() { Pop(groupParentStack, groupParent); }
-void QueryEngine::PopVariable() { Pop(variableStack, variable); }
+bool QueryEngine::PushGroupParent(IObject* object) {
+    return Push(groupParentStack, Slot(detail::CallTarget::GroupParent), object);
+}
+bool QueryEngine::PushVariable(IObject* object) {
+    return Push(variableStack, Slot(detail::CallTarget::Variable), object);
+}
+void QueryEngine::PopGroupParent() { Pop(groupParentStack, Slot(detail::CallTarget::GroupParent)); }
+void QueryEngine::PopVariable() { Pop(variableStack, Slot(detail::CallTarget::Variable)); }
 
 bool QueryEngine::AddUnitFactory(IUnitFactory* factory) {
     if (factory == nullptr) {

@@ -48,7 +48,7 @@ DirectMethod FindDirectMethod(const std::type_info& type, const ObjectBase::Meth
             return row.method;
         }
     }
-    return nullptr;
+    return NoDirectMethod;
 }
 
 } // namespace OrvUQL::detail

@@ -18,7 +18,7 @@ struct IteratorAccess {
         iterator->position = position;
         iterator->lastKind = static_cast<std::int32_t>(lasteval.kind);
         if (lasteval.kind == ValueKind::Int) {
-            iterator->last.integer = lasteval.integer;
+            iterator->last.integer = lasteval.Integer();
             return;
         }
         if (lasteval.kind == ValueKind::Double) {

@@ -2,6 +2,8 @@
 
 #include "support/Counted.h"
 #include "support/Host.h"
+#include "support/Print.h"
+#include "support/Ref.h"
 
 #include <gtest/gtest.h>
 
@@ -190,6 +192,62 @@ TEST_F(Property, IsAskedThroughInvokeWhereThatIsOverridden) {
     const Ref<AskedItem> item = Make<AskedItem>();
     EXPECT_EQ(Over(*item, L"@Whole + @Real"), "double 44.5");
     EXPECT_EQ(item->asked, 12) << "twice an evaluation, of which Run() does two";
+}
+
+TEST_F(Property, IsAskedThroughInvokeWhereItsOwnClassOverridesThat) {
+    class Secretive : public CountedObject {
+    public:
+        int asked = 0;
+        int half = 21;
+        const MethodMap* GetMethodMap() const override {
+            static const MethodMap table[] = {MethodMap::Property<&Secretive::half>(L"Half"), MethodMap::End()};
+            return table;
+        }
+
+    private:
+        IObject* Invoke(QueryEngine* engine, const wchar_t* called, const QueryElementList& args,
+                        IError** err) override {
+            ++asked;
+            return CountedObject::Invoke(engine, called, args, err);
+        }
+    };
+    class Overloaded : public CountedObject {
+    public:
+        int asked = 0;
+        int half = 21;
+        const MethodMap* GetMethodMap() const override {
+            static const MethodMap table[] = {MethodMap::Property<&Overloaded::half>(L"Half"), MethodMap::End()};
+            return table;
+        }
+        void Invoke() {}
+        IObject* Invoke(QueryEngine* engine, const wchar_t* called, const QueryElementList& args,
+                        IError** err) override {
+            ++asked;
+            return CountedObject::Invoke(engine, called, args, err);
+        }
+    };
+    const auto expectAsked = [&](auto&& object) {
+        host.engine.SetPropertySource(object.Get());
+        const Ref<IQueryElement> tree = host.Parse(L"@Half + @Half");
+        for (int round = 1; round <= 3; ++round) {
+            const Ref<IObject> value(host.engine.Evaluate(tree.Get(), nullptr));
+            EXPECT_EQ(Describe(value.Get()), "int 42");
+            EXPECT_EQ(object->asked, 2 * round);
+        }
+        host.engine.SetPropertySource(nullptr);
+    };
+    expectAsked(Make<Secretive>());
+    expectAsked(Make<Overloaded>());
+}
+
+TEST_F(Property, TellsFromItsClassWhetherInvokeHasToBeAsked) {
+    EXPECT_TRUE(detail::looksNamesUp<Item>);
+    EXPECT_FALSE(detail::looksNamesUp<AskedItem>);
+    class Static : public CountedObject {
+    public:
+        bool IsStaticInstance() const override { return true; }
+    };
+    EXPECT_FALSE(detail::looksNamesUp<Static>);
 }
 
 TEST_F(Property, IsReadOnceForEachTimeItIsNamed) {
