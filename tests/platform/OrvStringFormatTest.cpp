@@ -108,6 +108,7 @@ TEST(OrvStringFormat, IntegersLikeC) {
 
 TEST(OrvStringFormat, LengthsLikeC) {
     ExpectLikeC<int>("hd", {0, 65535, -32768, 70000});
+    ExpectLikeC<int>("hu", {0, 65535, 65536, -1});
     ExpectLikeC<int>("hhd", {0, 255, 128, -1});
     ExpectLikeC<int>("hhx", {0, 255, 257, -1});
     ExpectLikeC<long>("ld", {0, LONG_MAX, LONG_MIN});
@@ -116,6 +117,7 @@ TEST(OrvStringFormat, LengthsLikeC) {
     ExpectLikeC<unsigned long long>("llX", {0, ULLONG_MAX});
     ExpectLikeC<std::size_t>("zu", {0, SIZE_MAX});
     ExpectLikeC<std::intmax_t>("jd", {0, INTMAX_MIN});
+    ExpectLikeC<std::uintmax_t>("ju", {0, UINTMAX_MAX});
     ExpectLikeC<std::ptrdiff_t>("td", {0, PTRDIFF_MIN});
 }
 

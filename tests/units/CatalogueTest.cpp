@@ -91,6 +91,26 @@ TEST_F(Catalogue, MayBeEmpty) {
     EXPECT_EQ(empty->FindUnit(1), nullptr);
 }
 
+/// Has no table, as long as its units are not loaded.
+class Tableless : public UnitFactoryBase {
+public:
+    OrvStringT GetUnitCategory() const override { return OrvStringT(); }
+
+protected:
+    const UnitData* GetDataList() override { return nullptr; }
+};
+
+TEST_F(Catalogue, MayHaveNoTable) {
+    const Ref<Tableless> tableless = Make<Tableless>();
+    EXPECT_EQ(tableless->FindUnit(L"g"), nullptr);
+    EXPECT_EQ(tableless->FindUnit(1), nullptr);
+}
+
+TEST_F(Catalogue, HasNoUnitWithoutAName) {
+    const Ref<Weights> weights = Make<Weights>();
+    EXPECT_EQ(weights->FindUnit(nullptr), nullptr);
+}
+
 /// Answers ids in its own way: what is looked up by name must come by it.
 class ById : public Weights {
 public:

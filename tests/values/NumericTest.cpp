@@ -4,6 +4,7 @@
 
 #include "support/Attempt.h"
 #include "support/Host.h"
+#include "support/Ref.h"
 
 #include <gtest/gtest.h>
 
@@ -90,6 +91,49 @@ TEST(Numeric, TakesTheRadixAsAnyIntMayBeGiven) {
     EXPECT_EQ(Call(number, L"Radix", {new ElementObject(L"x", 0)}), "! Cannot convert string 'x' to Integer");
     EXPECT_EQ(Call(number, L"Radix", {Int(16), new ElementObject(L"x", 0)}), "! Cannot convert string 'x' to Integer");
     EXPECT_EQ(Call(number, L"Radix"), "! Parameter 1 of method 'Radix' is not optional");
+}
+
+/// A host's number, which may be unknown.
+class Reading : public ObjectNumeric {
+public:
+    Reading() : ObjectNumeric(false) {}
+    OrvStringT GetTypeName() const override { return ORV_TEXT(L"reading"); }
+    EType GetType() const override { return TypeDouble; }
+    bool ToDouble(double& out, IError** err) const override {
+        if (isUnknown) {
+            if (err != nullptr) {
+                *err = new Error(L"no reading yet");
+            }
+            return false;
+        }
+        out = 180;
+        return true;
+    }
+
+    bool isUnknown = false;
+};
+
+TEST(Numeric, OfAHostHasTheMethodsOfNumbers) {
+    Host host;
+    const Ref<Reading> reading = Make<Reading>();
+    host.engine.SetVariable(reading.Get());
+    EXPECT_EQ(host.Run(L"$ToRadians()"), "double 3.141592653589793");
+    reading->isUnknown = true;
+    EXPECT_EQ(host.Run(L"$ToRadians()"), "! no reading yet");
+}
+
+TEST(Numeric, OfAHostBecomesAUnit) {
+    const Ref<Reading> reading = Make<Reading>();
+    const Ref<LinearDimensionUnits> lengths = Make<LinearDimensionUnits>(0.0);
+    const Ref<IUnitDefinition> inch(lengths->FindUnit(L"in"));
+    ErrorSlot error;
+    const UnitRef unit(reading->ToUnit(inch.Get(), error.Slot()));
+    ASSERT_TRUE(unit);
+    EXPECT_EQ(unit->GetPower(), 0);
+    EXPECT_EQ(unit->GetValue(), 180);
+    reading->isUnknown = true;
+    EXPECT_EQ(reading->ToUnit(inch.Get(), error.Slot()), nullptr);
+    EXPECT_EQ(error.Message(), "no reading yet");
 }
 
 TEST(Numeric, ConvertsAngles) {

@@ -122,6 +122,33 @@ TEST_F(Unique, TakesEmptySlotsForEqual) {
     EXPECT_EQ(KeptOf({Watch(new ObjectNull()), nullptr, nullptr}), "0 1");
 }
 
+// The rule by itself is private, and Unique has quicker ways than to go through a list by it. The name of a private
+// member may stand where a template is instantiated explicitly.
+using FindFunction = bool (ObjectArrayBase::*)(QueryEngine*, const ObjectList&, IObject*) const;
+FindFunction GetFindObject();
+template <FindFunction function> struct Opened {
+    friend FindFunction GetFindObject() { return function; }
+};
+template struct Opened<&ObjectArrayBase::FindObject>;
+
+TEST_F(Unique, IsAListsOwnRule) {
+    const Ref<ObjectArray> array = Make<ObjectArray>(ObjectList());
+    const auto find = [&](const ObjectList& list, IObject* object) {
+        return (array.Get()->*GetFindObject())(&host.engine, list, object);
+    };
+    const Ref<ObjectInt> one = Make<ObjectInt>(1);
+    const Ref<ObjectInt> other = Make<ObjectInt>(1);
+    const Ref<ObjectDouble> real = Make<ObjectDouble>(1.0);
+    ObjectList kept;
+    EXPECT_FALSE(find(kept, one.Get()));
+    kept.push_back(one.Share());
+    EXPECT_TRUE(find(kept, other.Get()));
+    EXPECT_FALSE(find(kept, real.Get()));
+    EXPECT_FALSE(find(kept, nullptr));
+    kept.push_back(nullptr);
+    EXPECT_TRUE(find(kept, nullptr));
+}
+
 TEST_F(Unique, ComparesStrictly) {
     EXPECT_EQ(KeptOf({WatchText(L"a"), WatchText(L"A"), WatchText(L"a")}), "0 1");
     EXPECT_EQ(KeptOf({WatchDouble(0.0), WatchDouble(-0.0)}), "0");
