@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 /// In place of the C library's, for the whole process.
-extern "C" int getentropy(void* buffer, std::size_t length) noexcept {
+extern "C" int getentropy(void* buffer, std::size_t length) {
     const int failure = OrvUQL::Tests::AskRandomSource(buffer, length);
     if (failure != 0) {
         errno = failure;
