@@ -44,11 +44,15 @@ private:
 
 namespace detail {
 
+/// On whose value a name is invoked: its parent's, or the object that the engine has for it.
+enum class CallTarget : std::uint8_t { Parent, Global, PropertySource, GroupParent, Variable };
+
 /// What a call site knows, and what it remembers of its last look-up. Which tables a class has depends on the class
 /// alone, so the row found for one object of a class is that of all.
 struct CallSite {
     OrvStringT name; ///< as the call passes it, without "@" or "$"
     CallTarget target = CallTarget::Parent;
+    std::uint16_t slot = 0; ///< where in an engine the object is that the target means, in bytes
     // Of the row. Whether a call has arguments is asked every time: a host may pass it on with others than the site's.
     mutable bool isRead = false;  ///< it takes none
     mutable bool isPlain = false; ///< and the class looks names up in its table: it does not override Invoke()

@@ -35,10 +35,6 @@ namespace detail {
 enum class ElementKind : std::uint8_t { Other, Object, Method, Group, Array, Unary, Binary, Ternary };
 
 enum class OperatorCode : std::uint8_t;
-
-/// On whose value a name is invoked: its parent's, or the object that the engine has for it.
-enum class CallTarget : std::uint8_t { Parent, Global, PropertySource, GroupParent, Variable };
-
 struct Value;
 struct ElementAccess;
 

@@ -104,13 +104,13 @@ public:
     bool GetReleaseKeptReferences() const noexcept { return state.releasesKept; }
 
     /// The object of bare names, borrowed.
-    IObject* GetGlobal() const noexcept { return GetSlot(detail::CallTarget::Global); }
+    IObject* GetGlobal() const noexcept { return global; }
     /// The object of names written with "@", borrowed.
-    IObject* GetPropertySource() const noexcept { return GetSlot(detail::CallTarget::PropertySource); }
+    IObject* GetPropertySource() const noexcept { return propertySource; }
     /// The object of names with a leading ".", borrowed.
-    IObject* GetGroupParent() const noexcept { return GetSlot(detail::CallTarget::GroupParent); }
+    IObject* GetGroupParent() const noexcept { return groupParent; }
     /// The object of names written with "$", borrowed.
-    IObject* GetVariable() const noexcept { return GetSlot(detail::CallTarget::Variable); }
+    IObject* GetVariable() const noexcept { return variable; }
     /// The setters release the slot's object first and then take a reference to the new one (null: none): an object
     /// that is set again must have another owner.
     void SetGlobal(IObject* object);
@@ -160,20 +160,22 @@ private:
     template <class Out> bool EvaluateAs(IQueryElement* element, Out& out, IError** err);
     template <class Out> static bool ConvertAs(detail::Value value, Out& out, IError** err);
     bool FailAtRoot(const IQueryElement* element) noexcept;
-    IObject*& Slot(detail::CallTarget target) noexcept { return targets[static_cast<std::size_t>(target)]; }
-    IObject* GetSlot(detail::CallTarget target) const noexcept { return targets[static_cast<std::size_t>(target)]; }
     ORVUQL_NOINLINE IObject* EvaluateWatched(IQueryElement* element, IError** err);
     template <class Out> ORVUQL_NOINLINE bool EvaluateWatchedAs(IQueryElement* element, Out& out, IError** err);
 
     std::vector<IUnitFactory*> unitFactories;
     std::vector<IObject*> groupParentStack;
     std::vector<IObject*> variableStack;
-    IObject* targets[5] = {}; // by detail::CallTarget; the first, of names that have a parent, is never set
+    IObject* global = nullptr;
+    IObject* propertySource = nullptr;
+    IObject* groupParent = nullptr;
+    IObject* variable = nullptr;
     int unitPrecision = 0;
     int errorPosition = -1;
     detail::EvaluationState state;
     const detail::CallSite* callSite = nullptr;
     std::vector<const IQueryElement*> spine;
+    IObject* none = nullptr; // where a call that has a parent looks for the object of one that has none
 };
 
 } // namespace OrvUQL

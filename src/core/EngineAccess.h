@@ -6,6 +6,7 @@
 
 #include "core/Frame.h"
 
+#include <cstddef>
 #include <new>
 #include <stdexcept>
 #include <type_traits>
@@ -27,13 +28,39 @@ struct EngineAccess {
         return std::exchange(engine->callSite, nullptr);
     }
 
-    /// The object of names that have no parent, borrowed; null if it is not set.
-    static IObject* Target(const QueryEngine* engine, CallTarget target) noexcept { return engine->GetSlot(target); }
+    /// Where in an engine the object of a target is: what CallSite::slot holds.
+    static std::uint16_t SlotOf(CallTarget target) noexcept {
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof" // a class without bases
+#endif
+        switch (target) {
+        case CallTarget::Variable:
+            return offsetof(QueryEngine, variable);
+        case CallTarget::PropertySource:
+            return offsetof(QueryEngine, propertySource);
+        case CallTarget::Global:
+            return offsetof(QueryEngine, global);
+        case CallTarget::GroupParent:
+            return offsetof(QueryEngine, groupParent);
+        default:
+            return offsetof(QueryEngine, none);
+        }
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+    }
+
+    /// The object there, borrowed; null if it is not set, and for a call that has a parent.
+    static IObject* Target(const QueryEngine* engine, const CallSite& site) noexcept {
+        return *reinterpret_cast<IObject* const*>(reinterpret_cast<const char*>(engine) + site.slot);
+    }
+    static IObject* Variable(const QueryEngine* engine) noexcept { return engine->variable; }
 
     /// Puts an object into the variable's slot, both references handed over; returns the one that was there. For those
     /// who bring that one back whatever happens.
     static IObject* ExchangeVariable(QueryEngine* engine, IObject* object) noexcept {
-        return std::exchange(engine->Slot(CallTarget::Variable), object);
+        return std::exchange(engine->variable, object);
     }
 
     static EvaluationState& State(QueryEngine& engine) noexcept { return engine.state; }

@@ -52,7 +52,7 @@ struct ElementAccess {
         if (engine == nullptr) [[unlikely]] {
             return Value::None();
         }
-        IObject* const target = EngineAccess::Target(engine, call->site.target);
+        IObject* const target = EngineAccess::Target(engine, call->site);
         if (target == nullptr || call->site.type != &typeid(*target)) [[unlikely]] {
             return Value::None();
         }
@@ -98,7 +98,7 @@ struct ElementAccess {
     /// The object on which a name is invoked where nothing has to be evaluated to find it, borrowed; else null.
     static IObject* KnownTarget(const ElementMethod* call, const QueryEngine* engine) noexcept {
         if (call->site.target != CallTarget::Parent) {
-            return engine == nullptr ? nullptr : EngineAccess::Target(engine, call->site.target);
+            return engine == nullptr ? nullptr : EngineAccess::Target(engine, call->site);
         }
         return call->kinds[0] == ElementKind::Object ? static_cast<const ElementObject*>(call->parent)->value : nullptr;
     }
@@ -145,8 +145,7 @@ private:
 
     /// The variable if it is exactly the library's iterator, which has its own table.
     static const ObjectIterator* VariableIterator(const QueryEngine* engine) noexcept {
-        const IObject* const variable =
-            engine == nullptr ? nullptr : EngineAccess::Target(engine, CallTarget::Variable);
+        const IObject* const variable = engine == nullptr ? nullptr : EngineAccess::Variable(engine);
         return variable != nullptr && &typeid(*variable) == &typeid(ObjectIterator)
                    ? static_cast<const ObjectIterator*>(variable)
                    : nullptr;

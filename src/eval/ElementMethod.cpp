@@ -34,6 +34,11 @@ detail::CallTarget TargetOf(const OrvStringT& name, const IQueryElement* parent,
     }
 }
 
+void SetTarget(detail::CallSite& site, detail::CallTarget target) noexcept {
+    site.target = target;
+    site.slot = EngineAccess::SlotOf(target);
+}
+
 /// The name as the call passes it. With a parent it goes there as written, whatever it begins with.
 OrvStringT CallName(const OrvStringT& name, detail::CallTarget target) {
     const bool hasPrefix = target == detail::CallTarget::PropertySource || target == detail::CallTarget::Variable;
@@ -90,7 +95,7 @@ ElementMethod::ElementMethod(IQueryElement* target, OrvStringT methodName, Query
                              int textPosition)
     : parent(target), name(std::move(methodName)), position(textPosition), member(isMember) {
     kinds[0] = ElementAccess::KindOf(parent);
-    site.target = TargetOf(name, parent, member);
+    SetTarget(site, TargetOf(name, parent, member));
     site.name = CallName(name, site.target);
     // Last, when nothing can fail any more: a constructor that throws has taken nothing.
     arguments = std::move(args);
@@ -107,7 +112,7 @@ void ElementMethod::SetParentObject(IQueryElement* newParent) {
     parent = newParent;
     kinds[0] = ElementAccess::KindOf(parent);
     site.name = std::move(callName);
-    site.target = target;
+    SetTarget(site, target);
 }
 
 IObject* ElementMethod::Evaluate(QueryEngine* engine, IError** err) const {
@@ -172,7 +177,7 @@ IObject* ElementMethod::FindTarget(QueryEngine* engine, IError** err) const {
     if (parent != nullptr) {
         return ElementAccess::EvaluateObject(parent, kinds[0], engine, err);
     }
-    IObject* const target = engine == nullptr ? nullptr : EngineAccess::Target(engine, site.target);
+    IObject* const target = engine == nullptr ? nullptr : EngineAccess::Target(engine, site);
     if (target == nullptr) {
         detail::FailAt(engine, position);
         // 0-based, deliberately: unlike a parse error's, this position is the element's own.

@@ -59,9 +59,10 @@ QueryEngine::~QueryEngine() {
     }
     ReleaseStack(groupParentStack);
     ReleaseStack(variableStack);
-    for (IObject*& target : targets) {
-        ReleaseObject(target);
-    }
+    ReleaseObject(global);
+    ReleaseObject(propertySource);
+    ReleaseObject(groupParent);
+    ReleaseObject(variable);
 }
 
 IObject* QueryEngine::Evaluate(IQueryElement* element, IError** err) {
@@ -258,19 +259,15 @@ bool QueryEngine::EvaluateTo(IQueryElement* element, OrvStringT& out, IError** e
     return EvaluateAs(element, out, err);
 }
 
-void QueryEngine::SetGlobal(IObject* object) { SetSlot(Slot(detail::CallTarget::Global), object); }
-void QueryEngine::SetPropertySource(IObject* object) { SetSlot(Slot(detail::CallTarget::PropertySource), object); }
-void QueryEngine::SetGroupParent(IObject* object) { SetSlot(Slot(detail::CallTarget::GroupParent), object); }
-void QueryEngine::SetVariable(IObject* object) { SetSlot(Slot(detail::CallTarget::Variable), object); }
+void QueryEngine::SetGlobal(IObject* object) { SetSlot(global, object); }
+void QueryEngine::SetPropertySource(IObject* object) { SetSlot(propertySource, object); }
+void QueryEngine::SetGroupParent(IObject* object) { SetSlot(groupParent, object); }
+void QueryEngine::SetVariable(IObject* object) { SetSlot(variable, object); }
 
-bool QueryEngine::PushGroupParent(IObject* object) {
-    return Push(groupParentStack, Slot(detail::CallTarget::GroupParent), object);
-}
-bool QueryEngine::PushVariable(IObject* object) {
-    return Push(variableStack, Slot(detail::CallTarget::Variable), object);
-}
-void QueryEngine::PopGroupParent() { Pop(groupParentStack, Slot(detail::CallTarget::GroupParent)); }
-void QueryEngine::PopVariable() { Pop(variableStack, Slot(detail::CallTarget::Variable)); }
+bool QueryEngine::PushGroupParent(IObject* object) { return Push(groupParentStack, groupParent, object); }
+bool QueryEngine::PushVariable(IObject* object) { return Push(variableStack, variable, object); }
+void QueryEngine::PopGroupParent() { Pop(groupParentStack, groupParent); }
+void QueryEngine::PopVariable() { Pop(variableStack, variable); }
 
 bool QueryEngine::AddUnitFactory(IUnitFactory* factory) {
     if (factory == nullptr) {
