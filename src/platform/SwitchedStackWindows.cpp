@@ -115,7 +115,8 @@ std::size_t SwitchedStack::GetMaximum() noexcept {
     constexpr std::size_t most = std::size_t{1} << 30;
     MEMORYSTATUSEX status{};
     status.dwLength = sizeof(status);
-    return GlobalMemoryStatusEx(&status) == FALSE
+    // Wine answers a thread with zeros while another one is the first to ask.
+    return GlobalMemoryStatusEx(&status) == FALSE || status.ullTotalPhys == 0
                ? most / 4
                : std::min<std::size_t>(most, static_cast<std::size_t>(status.ullTotalPhys / 4));
 }
