@@ -43,7 +43,12 @@ struct ElementAccess {
     /// The same for a call without arguments of a name without a parent.
     static ORVUQL_ALWAYS_INLINE Value ReadValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
         const Value value = TryRead(element, engine);
-        return value.Failed() ? static_cast<const ElementMethod*>(element)->EvaluateValue(engine, err) : value;
+        return value.Failed() ? InvokeValue(element, engine, err) : value;
+    }
+
+    /// What a call comes to without its short ways.
+    static Value InvokeValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
+        return static_cast<const ElementMethod*>(element)->EvaluateValue(engine, err);
     }
 
     /// Its value if the last object's class is still the one and has a getter that gives one; else none.

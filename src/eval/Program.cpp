@@ -322,14 +322,16 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     ++at;
     ORVUQL_NEXT();
     ORVUQL_ON(LoadRead)
-    if constexpr (!isMetered) {
+    if constexpr (isMetered) {
+        accumulator = AskElement<isMetered>(*at, engine, frame);
+    } else {
         accumulator = ElementAccess::TryRead(at->element, engine);
         if (!accumulator.Failed()) [[likely]] {
             ++at;
             ORVUQL_NEXT();
         }
+        accumulator = ElementAccess::InvokeValue(at->element, engine, frame.err);
     }
-    accumulator = AskElement<isMetered>(*at, engine, frame);
     if (accumulator.Failed()) {
         return accumulator;
     }
@@ -443,8 +445,11 @@ combineRead:
         if (!right.Failed()) [[likely]] {
             goto combine;
         }
+    invokeRead:
+        right = ElementAccess::InvokeValue(at->element, engine, frame.err);
+    } else {
+        right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
     }
-    right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
     if (right.Failed()) {
         return right;
     }
@@ -493,6 +498,7 @@ combineRead:
         if (!right.Failed()) {
             goto combine;
         }
+        goto invokeRead;
     }
     goto combineRead;
 
