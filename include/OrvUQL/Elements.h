@@ -47,6 +47,9 @@ namespace detail {
 /// On whose value a name is invoked: its parent's, or the object that the engine has for it.
 enum class CallTarget : std::uint8_t { Parent, Global, PropertySource, GroupParent, Variable };
 
+/// The text's methods that take a text without an object around it.
+enum class TextMethod : std::uint8_t { None, Length, Empty, ToUpper, ToLower, Trim, LTrim, RTrim, SubStr };
+
 /// What a call site knows, and what it remembers of its last look-up. Which tables a class has depends on the class
 /// alone, so the row found for one object of a class is that of all.
 struct CallSite {
@@ -56,6 +59,7 @@ struct CallSite {
     // Of the row. Whether a call has arguments is asked every time: a host may pass it on with others than the site's.
     mutable bool isRead = false;  ///< it takes none
     mutable bool isPlain = false; ///< and the class looks names up in its table: it does not override Invoke()
+    mutable TextMethod textMethod = TextMethod::None;     ///< of a text's row
     mutable const std::type_info* type = nullptr;         ///< the class of the last look-up
     mutable const ObjectBase::MethodMap* entry = nullptr; ///< the row found
     /// What the row's method without arguments computes, without the object around the result, or none where that has
@@ -100,7 +104,10 @@ public:
 private:
     friend struct detail::ElementAccess;
     detail::Value EvaluateValue(QueryEngine* engine, IError** err) const;
-    IObject* EvaluateCalls(QueryEngine* engine, IError** err) const;
+    detail::Value EvaluateCalls(QueryEngine* engine, IError** err) const;
+    detail::Value EvaluateFirst(QueryEngine* engine, IError** err) const;
+    bool TakesText() const noexcept;
+    detail::Value CallOn(detail::Value target, QueryEngine* engine, IError** err) const;
     IObject* FindTarget(QueryEngine* engine, IError** err) const;
     IObject* Call(IObject* target, QueryEngine* engine, IError** err) const;
 

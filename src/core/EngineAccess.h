@@ -169,6 +169,13 @@ private:
 /// The direct form of a row that an object of exactly this class found, or NoDirectMethod.
 DirectMethod FindDirectMethod(const std::type_info& type, const ObjectBase::MethodMap& entry) noexcept;
 
+/// The method of a row that an object of exactly this class found, if it takes a text without the object, or None.
+TextMethod FindTextMethod(const std::type_info& type, const ObjectBase::MethodMap& entry) noexcept;
+
+/// What such a method gives for a text that is no type object, which is taken over. The numbers are SubStr()'s; a count
+/// of 0 stands for none.
+Value CallTextMethod(TextMethod method, OrvStringT text, int start, int count);
+
 /// In place of a row's direct form where it has none.
 inline Value NoDirectMethod(IObject*) noexcept { return Value::None(); }
 

@@ -138,6 +138,7 @@ IObject* ObjectBase::InvokeNamed(QueryEngine* engine, const detail::CallSite* si
             site->isRead = *entry->signature == L'\0';
             site->isPlain = site->isRead && (IsPlainClass(*type, *entry) || IsPlain());
             site->direct = site->isRead ? FindDirect(site->isPlain, *type, *entry) : detail::NoDirectMethod;
+            site->textMethod = detail::FindTextMethod(*type, *entry);
             return CallMethod(engine, *entry, name, site->name, args, err);
         }
         return CallMethod(engine, *entry, name, OrvStringT(name), args, err);

@@ -8,9 +8,10 @@
 
 namespace OrvUQL::detail {
 
-/// `op` must be one of the enumerators.
-inline bool CompareIntsBy(EOperType op, int a, int b) noexcept {
-    // For each comparison three bits, for less, equal and greater, in a byte: no branch that depends on the data.
+/// For which orders of two numbers a comparison holds: a bit for less, one for equal, one for greater. `op` must be one
+/// of the enumerators.
+constexpr std::uint8_t VerdictsOf(EOperType op) noexcept {
+    // A byte for each comparison: no branch that depends on the data.
     constexpr std::uint64_t less = 1;
     constexpr std::uint64_t equal = 2;
     constexpr std::uint64_t greater = 4;
@@ -19,12 +20,17 @@ inline bool CompareIntsBy(EOperType op, int a, int b) noexcept {
                                        equal << 8 * OperEqual | equal << 8 * OperStrictEqual |
                                        (less | greater) << 8 * OperNotEqual;
     static_assert(OperNone == 0 && OperNotEqual == 7);
+    return static_cast<std::uint8_t>(verdicts >> 8u * static_cast<unsigned>(op));
+}
+
+/// What the verdicts tell of two ints.
+inline bool IsVerdict(std::uint8_t verdicts, int a, int b) noexcept {
     const unsigned order = static_cast<unsigned>(a > b) + static_cast<unsigned>(a >= b);
-    return (verdicts >> (8u * static_cast<unsigned>(op) + order) & 1u) != 0;
+    return (verdicts >> order & 1u) != 0;
 }
 
 inline bool CompareInts(EOperType op, int a, int b) noexcept {
-    return static_cast<unsigned>(op) < 8u && CompareIntsBy(op, a, b);
+    return static_cast<unsigned>(op) < 8u && IsVerdict(VerdictsOf(op), a, b);
 }
 
 inline bool CompareDoubles(EOperType op, double a, double b, double tolerance) noexcept {

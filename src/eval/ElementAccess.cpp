@@ -1,7 +1,5 @@
 #include "eval/ElementAccess.h"
 
-#include "eval/Program.h"
-
 #include <typeinfo>
 
 namespace OrvUQL::detail {
@@ -78,15 +76,12 @@ template IObject* ElementAccess::EvaluateOperator(const OperatorUnary*, QueryEng
 template IObject* ElementAccess::EvaluateOperator(const OperatorBinary*, QueryEngine*, IError**);
 template IObject* ElementAccess::EvaluateOperator(const OperatorTernary*, QueryEngine*, IError**);
 
-Value EvaluateRootValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
-    // As most are.
-    if (&typeid(*element) == &typeid(OperatorBinary)) {
-        return RunUnmetered(static_cast<const OperatorBinary*>(element), engine, false, err);
-    }
-    if (&typeid(*element) == &typeid(OperatorTernary)) {
-        return RunUnmetered(static_cast<const OperatorTernary*>(element), engine, false, err);
-    }
+Value EvaluateOtherRoot(const IQueryElement* element, QueryEngine* engine, IError** err) {
     switch (ElementAccess::KindOf(element)) {
+    case ElementKind::Binary:
+        return RunUnmetered(static_cast<const OperatorBinary*>(element), engine, false, err);
+    case ElementKind::Ternary:
+        return RunUnmetered(static_cast<const OperatorTernary*>(element), engine, false, err);
     case ElementKind::Unary:
         return RunUnmetered(static_cast<const OperatorUnary*>(element), engine, false, err);
     case ElementKind::Method:

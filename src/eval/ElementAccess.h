@@ -9,14 +9,13 @@
 #include "core/EngineAccess.h"
 #include "core/Failure.h"
 #include "core/Value.h"
+#include "eval/Program.h"
 #include "platform/Thread.h"
 #include "values/IteratorAccess.h"
 
 #include <typeinfo>
 
 namespace OrvUQL::detail {
-
-class Program;
 
 struct ElementAccess {
     /// What a child is. Asked once, when its parent is made: a child is complete by then, so a subclass shows as
@@ -142,6 +141,15 @@ struct ElementAccess {
         return node->program != nullptr ? node->program : MakeProgram(node);
     }
 
+    /// The program of an operator of a kind that trees begin with, if it is there.
+    static const Program* ReadyProgram(const IQueryElement& element) noexcept {
+        const std::type_info* const type = &typeid(element);
+        if (type == &typeid(OperatorBinary)) {
+            return static_cast<const OperatorBinary&>(element).program;
+        }
+        return type == &typeid(OperatorTernary) ? static_cast<const OperatorTernary&>(element).program : nullptr;
+    }
+
     /// An operator's Evaluate().
     template <class Node> static IObject* EvaluateOperator(const Node* node, QueryEngine* engine, IError** err);
 
@@ -170,10 +178,6 @@ private:
     }
 };
 
-/// The value of a tree without an object around it where there need not be one. What it gives is what Evaluate() of the
-/// element gives. May throw.
-Value EvaluateRootValue(const IQueryElement* element, QueryEngine* engine, IError** err);
-
 /// A failure of the element's own, not of a child's.
 inline std::nullptr_t FailAt(QueryEngine* engine, int position) noexcept {
     EngineAccess::SetErrorPosition(engine, position);
@@ -187,6 +191,17 @@ inline bool CheckStack(const IQueryElement* element, QueryEngine* engine, IError
     }
     FailAt(engine, element->GetStringPosition());
     return Fail(err, message::internalError);
+}
+
+/// EvaluateRootValue() of any element.
+Value EvaluateOtherRoot(const IQueryElement* element, QueryEngine* engine, IError** err);
+
+/// The value of a tree without an object around it where there need not be one, for an evaluation that no meter counts.
+/// What it gives is what Evaluate() of the element gives. May throw.
+ORVUQL_ALWAYS_INLINE Value EvaluateRootValue(const IQueryElement& element, QueryEngine* engine, IError** err) {
+    const Program* const program = ElementAccess::ReadyProgram(element);
+    return program != nullptr && platform::HasStack() ? program->RunUnmetered(engine, false, err)
+                                                      : EvaluateOtherRoot(&element, engine, err);
 }
 
 /// Runs the element's own work. An exception that leaves it, as where memory ends, has the element's position.

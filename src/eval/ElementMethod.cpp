@@ -85,6 +85,28 @@ ORVUQL_NOINLINE IObject* InvokeMetered(IObject* target, const detail::CallSite& 
     });
 }
 
+/// The arguments of a text's method if they are none, or the ints that it takes, written as such.
+bool ReadNumbers(detail::TextMethod method, const QueryElementList& arguments, int (&numbers)[2]) noexcept {
+    if (method != detail::TextMethod::SubStr) {
+        return arguments.empty();
+    }
+    if (arguments.empty() || arguments.size() > 2) {
+        return false;
+    }
+    int* number = numbers;
+    for (const IQueryElement* const argument : arguments) {
+        if (argument == nullptr || &typeid(*argument) != &typeid(ElementObject)) {
+            return false;
+        }
+        const Value value = ElementAccess::LiteralScalar(argument);
+        if (value.kind != detail::ValueKind::Int) {
+            return false;
+        }
+        *number++ = value.Integer();
+    }
+    return true;
+}
+
 } // namespace
 
 ElementMethod::ElementMethod(IQueryElement* target, const wchar_t* methodName, QueryElementList& args, bool isMember,
@@ -116,14 +138,15 @@ void ElementMethod::SetParentObject(IQueryElement* newParent) {
 }
 
 IObject* ElementMethod::Evaluate(QueryEngine* engine, IError** err) const {
-    return detail::EvaluateGuarded(this, engine, err, [&] { return EvaluateCalls(engine, err); });
+    return detail::EvaluateGuarded(this, engine, err, [&] { return Box(EvaluateCalls(engine, err)); });
 }
 
 /// The same without an object around a scalar or a text. Most names are read from what the engine carries.
 Value ElementMethod::EvaluateValue(QueryEngine* engine, IError** err) const {
     IObject* const target = ElementAccess::KnownTarget(this, engine);
-    if (target == nullptr) {
-        return detail::Unbox(EvaluateCalls(engine, err));
+    if (target == nullptr || site.textMethod != detail::TextMethod::None) {
+        const Value value = EvaluateCalls(engine, err);
+        return value.kind == detail::ValueKind::Object ? detail::Unbox(value.object) : value;
     }
     if (!detail::CheckStack(this, engine, err)) {
         return Value::None();
@@ -147,29 +170,66 @@ Value ElementMethod::EvaluateValue(QueryEngine* engine, IError** err) const {
     return detail::Unbox(result);
 }
 
-IObject* ElementMethod::EvaluateCalls(QueryEngine* engine, IError** err) const {
+/// Texts go from call to call without an object around them where the methods take them so. Where a meter counts, each
+/// call is made on an object, so that it counts what the object's method counts.
+Value ElementMethod::EvaluateCalls(QueryEngine* engine, IError** err) const {
     if (!detail::CheckStack(this, engine, err)) {
-        return nullptr;
+        return Value::None();
     }
     if (kinds[0] != ElementKind::Method) {
-        const Reference<IObject> target(FindTarget(engine, err));
-        return target ? Call(target.Get(), engine, err) : nullptr;
+        return EvaluateFirst(engine, err);
     }
     detail::Spine spine(engine);
+    const ElementMethod* next = nullptr;
     const ElementMethod* node = this;
     for (; node->kinds[0] == ElementKind::Method; node = static_cast<const ElementMethod*>(node->parent)) {
         spine.Push(node);
+        next = node;
     }
-    Reference<IObject> value(node->FindTarget(engine, err));
-    if (!value) {
-        return nullptr;
+    Value value =
+        next->TakesText() && ElementAccess::IsRead(node) ? ElementAccess::TryRead(node, engine) : Value::None();
+    if (value.Failed()) {
+        value = node->EvaluateFirst(engine, err);
     }
-    value.Reset(node->Call(value.Get(), engine, err));
-    while (value && !spine.IsEmpty()) {
+    while (!value.Failed() && !spine.IsEmpty()) {
         node = static_cast<const ElementMethod*>(spine.Pop());
-        value.Reset(node->Call(value.Get(), engine, err));
+        value = node->CallOn(value, engine, err);
     }
-    return value.Detach();
+    return value;
+}
+
+/// The value of the call at the bottom of a chain.
+Value ElementMethod::EvaluateFirst(QueryEngine* engine, IError** err) const {
+    IObject* const target = FindTarget(engine, err);
+    return target == nullptr ? Value::None() : CallOn(Value::Object(target), engine, err);
+}
+
+/// Whether the call last met a text whose method takes it without the object. Then it is all the same whether the
+/// object is the one that others hold.
+bool ElementMethod::TakesText() const noexcept {
+    return site.textMethod != detail::TextMethod::None && platform::CurrentThread().meter == nullptr;
+}
+
+/// The value of the call on a value, which is taken over.
+Value ElementMethod::CallOn(Value target, QueryEngine* engine, IError** err) const {
+    if (TakesText()) {
+        if (target.kind == detail::ValueKind::Object) {
+            target = detail::Unbox(target.object);
+        }
+        if (target.kind == detail::ValueKind::Text) {
+            int numbers[2] = {0, 0};
+            if (ReadNumbers(site.textMethod, arguments, numbers)) {
+                return detail::WorkAt(engine, position, [&] {
+                    return detail::CallTextMethod(site.textMethod, OrvStringT::AdoptBuffer(target.text), numbers[0],
+                                                  numbers[1]);
+                });
+            }
+        }
+    }
+    const Reference<IObject> object(target.kind == detail::ValueKind::Object
+                                        ? target.object
+                                        : detail::WorkAt(engine, position, [&] { return detail::Box(target); }));
+    return Value::Object(Call(object.Get(), engine, err));
 }
 
 /// The object on which the name is invoked, with a reference.

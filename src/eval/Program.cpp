@@ -167,8 +167,8 @@ ORVUQL_NOINLINE Value ApplySign(const Instruction& instruction, Value value, Que
                   [&] { return EvaluateSign(instruction.code == OperatorCode::Minus, holder, err); });
 }
 
-// Where a meter counts, each operator is a step as soon as it has its operands, and each element is asked for itself, so
-// that it counts its own.
+// Where a meter counts, each operator is a step as soon as it has its operands, and each element is asked for itself,
+// so that it counts its own.
 
 constexpr bool IsStep(Action action) noexcept {
     switch (action) {
@@ -219,6 +219,12 @@ ORVUQL_NOINLINE Value AskElement(const Instruction& instruction, QueryEngine* en
     } else {
         return ElementAccess::CallValue(instruction.element, engine, frame.err);
     }
+}
+
+/// The value of a call without arguments that has no short way. Its operands are read again here, so that they need not
+/// be kept while the short way is tried.
+ORVUQL_NOINLINE Value InvokeRead(const Instruction& instruction, QueryEngine* engine, const Frame& frame) {
+    return ElementAccess::InvokeValue(instruction.element, engine, frame.err);
 }
 
 /// Before an instruction, with the accumulator for an operand.
@@ -330,7 +336,7 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
             ++at;
             ORVUQL_NEXT();
         }
-        accumulator = ElementAccess::InvokeValue(at->element, engine, frame.err);
+        accumulator = InvokeRead(*at, engine, frame);
     }
     if (accumulator.Failed()) {
         return accumulator;
@@ -446,7 +452,7 @@ combineRead:
             goto combine;
         }
     invokeRead:
-        right = ElementAccess::InvokeValue(at->element, engine, frame.err);
+        right = InvokeRead(*at, engine, frame);
     } else {
         right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
     }
@@ -483,7 +489,7 @@ combineRead:
 
     ORVUQL_ON(CompareInt)
     if (!isMetered && accumulator.kind == ValueKind::Int) {
-        at = Branch(at, CompareIntsBy(static_cast<EOperType>(at->code), accumulator.Integer(), at->integer));
+        at = Branch(at, IsVerdict(at->verdicts, accumulator.Integer(), at->integer));
         ORVUQL_NEXT();
     }
     right = Value::Int(at->integer);
@@ -492,7 +498,7 @@ combineRead:
     if (!isMetered && accumulator.kind == ValueKind::Int) {
         right = ElementAccess::TryRead(at->element, engine);
         if (right.kind == ValueKind::Int) {
-            at = Branch(at, CompareIntsBy(static_cast<EOperType>(at->code), accumulator.Integer(), right.Integer()));
+            at = Branch(at, IsVerdict(at->verdicts, accumulator.Integer(), right.Integer()));
             ORVUQL_NEXT();
         }
         if (!right.Failed()) {

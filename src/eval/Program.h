@@ -84,6 +84,7 @@ struct Instruction {
     Action action;
     OperatorCode code;     ///< of a binary operator, and of a sign
     ElementKind kind;      ///< of the operand's element
+    std::uint8_t verdicts; ///< of a comparison that branches at once; see VerdictsOf()
     std::int32_t position; ///< of the operator in the query's text, for its own failures
     union {
         bool boolean;

@@ -1,6 +1,7 @@
 #include "OrvUQL/Elements.h"
 #include "OrvUQL/Operators.h"
 
+#include "eval/Comparison.h"
 #include "eval/ElementAccess.h"
 #include "eval/Program.h"
 #include "platform/CaseMap.h"
@@ -318,7 +319,10 @@ private:
             last.action = Action::CompareInt;
         } else if (last.action == Action::CombineRead) {
             last.action = Action::CompareRead;
+        } else {
+            return;
         }
+        last.verdicts = VerdictsOf(static_cast<EOperType>(last.code));
     }
 
     void AddBranches(const OperatorTernary* node, bool isResult) {

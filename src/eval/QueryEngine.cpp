@@ -136,7 +136,7 @@ template <class Out> bool QueryEngine::EvaluateAs(IQueryElement* element, Out& o
     }
     return Guarded(err,
                    [&] {
-                       const detail::Value value = detail::EvaluateRootValue(element, this, err);
+                       const detail::Value value = detail::EvaluateRootValue(*element, this, err);
                        if (value.Failed()) {
                            return false;
                        }

@@ -6,9 +6,11 @@
 #include "core/EngineAccess.h"
 #include "core/Value.h"
 #include "values/IteratorAccess.h"
+#include "values/TextRange.h"
 
 #include <string_view>
 #include <typeinfo>
+#include <utility>
 
 namespace OrvUQL::detail {
 
@@ -40,6 +42,17 @@ const Row rows[] = {
     {&typeid(ObjectArray), L"Count", CountOfArray},
 };
 
+struct TextRow {
+    std::wstring_view name; ///< as in the class's table
+    TextMethod method;
+};
+
+const TextRow textRows[] = {
+    {L"Length", TextMethod::Length},   {L"Empty", TextMethod::Empty},   {L"ToUpper", TextMethod::ToUpper},
+    {L"ToLower", TextMethod::ToLower}, {L"Trim", TextMethod::Trim},     {L"LTrim", TextMethod::LTrim},
+    {L"RTrim", TextMethod::RTrim},     {L"SubStr", TextMethod::SubStr},
+};
+
 } // namespace
 
 DirectMethod FindDirectMethod(const std::type_info& type, const ObjectBase::MethodMap& entry) noexcept {
@@ -49,6 +62,49 @@ DirectMethod FindDirectMethod(const std::type_info& type, const ObjectBase::Meth
         }
     }
     return NoDirectMethod;
+}
+
+TextMethod FindTextMethod(const std::type_info& type, const ObjectBase::MethodMap& entry) noexcept {
+    if (&type == &typeid(ObjectString)) {
+        for (const TextRow& row : textRows) {
+            if (row.name == entry.name) {
+                return row.method;
+            }
+        }
+    }
+    return TextMethod::None;
+}
+
+Value CallTextMethod(TextMethod method, OrvStringT text, int start, int count) {
+    switch (method) {
+    case TextMethod::Length:
+        return Value::Int(text.GetLength());
+    case TextMethod::Empty:
+        return Value::Bool(text.IsEmpty());
+    case TextMethod::ToUpper:
+        text.MakeUpper();
+        break;
+    case TextMethod::ToLower:
+        text.MakeLower();
+        break;
+    case TextMethod::Trim:
+        text.Trim(blanks);
+        break;
+    case TextMethod::LTrim:
+        text.TrimLeft(blanks);
+        break;
+    case TextMethod::RTrim:
+        text.TrimRight(blanks);
+        break;
+    case TextMethod::SubStr: {
+        const TextRange range = FindRange(text.GetLength(), start, count);
+        text = text.Mid(range.start, range.count);
+        break;
+    }
+    case TextMethod::None:
+        return Value::None();
+    }
+    return Value::Text(std::move(text));
 }
 
 } // namespace OrvUQL::detail

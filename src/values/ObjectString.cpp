@@ -9,6 +9,7 @@
 #include "platform/Meter.h"
 #include "platform/NumberText.h"
 #include "values/ItemList.h"
+#include "values/TextRange.h"
 
 #include <algorithm>
 
@@ -109,34 +110,22 @@ IObject* ObjectString::Method_CharCode(QueryEngine*, const OrvStringT&, const Ob
 
 IObject* ObjectString::Method_SubStrDelete(QueryEngine*, const OrvStringT& name, const ObjectList& params, IError**) {
     const bool isDelete = NameIs(name, L"delete");
-    const std::int64_t length = value.GetLength();
-    int given = 0;
-    if (!params[0]->ToInt(given, nullptr)) {
+    int start = 0;
+    if (!params[0]->ToInt(start, nullptr)) {
         return nullptr;
     }
-    std::int64_t start = given;
-    if (start < 0) {
-        start = std::max<std::int64_t>(start + length, 0);
-    }
-    start = std::min(start, length);
-    std::int64_t end = length;
     int count = 0;
     if (params[1] == nullptr) {
-        if (isDelete) {
-            end = start + 1; // one character, which may lie behind the end and is then none
-        }
-    } else if (params[1]->ToInt(count, nullptr)) {
-        // A count of 0 or less counts back from the end; so 0 means to the end, deliberately.
-        end = count > 0 ? start + count : length + count;
-        end = std::min(std::max(end, start), length);
+        count = isDelete ? 1 : 0; // one character, which may lie behind the end and is then none
+    } else if (!params[1]->ToInt(count, nullptr)) {
+        count = 0;
     }
-    const int from = static_cast<int>(start);
-    const int units = static_cast<int>(end - start);
+    const detail::TextRange range = detail::FindRange(value.GetLength(), start, count);
     if (!isDelete) {
-        return new ObjectString(value.Mid(from, units));
+        return new ObjectString(value.Mid(range.start, range.count));
     }
     OrvStringT text = value;
-    text.Delete(from, units);
+    text.Delete(range.start, range.count);
     return new ObjectString(std::move(text));
 }
 
@@ -148,16 +137,14 @@ IObject* ObjectString::Method_Trim(QueryEngine*, const OrvStringT& name, const O
     if (params[0] != nullptr && !params[0]->ToString(set, err)) {
         return nullptr;
     }
-    if (set.IsEmpty()) {
-        set = ORV_TEXT(L" \t");
-    }
+    const std::wstring_view removed = set.IsEmpty() ? detail::blanks : set.View();
     OrvStringT text = value;
     if (NameIs(name, L"ltrim")) {
-        text.TrimLeft(set);
+        text.TrimLeft(removed);
     } else if (NameIs(name, L"rtrim")) {
-        text.TrimRight(set);
+        text.TrimRight(removed);
     } else {
-        text.Trim(set);
+        text.Trim(removed);
     }
     return new ObjectString(std::move(text));
 }

@@ -448,5 +448,112 @@ TEST_F(CallSite, OfAReadReportsTheEndOfMemory) {
     }
 }
 
+// ---- methods of texts, which go from call to call without an object around them ----
+
+/// Has a method of a text's name.
+const MethodMap* TrimFirst() {
+    static const MethodMap table[] = {Recorder::First(L"Trim", L"o"), Recorder::Common(), MethodMap::End()};
+    return table;
+}
+
+TEST_F(CallSite, OfATextsMethodServesAllClassesInTurn) {
+    const Ref<IQueryElement> tree = Parse(L"@Trim().ToUpper()");
+    const Ref<IQueryElement> argument = Parse(L"@this().Trim('x').SubStr(1)");
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(Over(tree, new ObjectString(L" text ")), "string TEXT");
+        EXPECT_EQ(Over(tree, new RecorderWith<TrimFirst>()), "string FIRST TRIM(-)");
+        EXPECT_EQ(Over(tree, new OwnInvoke()), "string OWN TRIM/0");
+        EXPECT_EQ(Over(tree, new ObjectInt(1)), "! Identifier 'Trim' is not a method of 'int'");
+        EXPECT_EQ(Over(tree, new ObjectString()),
+                  "! Unable to call non-static method 'Trim' of class 'string' without a class instance");
+        EXPECT_EQ(Over(tree, new Silencer(new ObjectString(L" text "))), "string TEXT");
+        EXPECT_EQ(Over(argument, new ObjectString(L"xtext")), "string ext");
+        EXPECT_EQ(Over(argument, new RecorderWith<TrimFirst>()), "string irst Trim(string x)");
+        EXPECT_EQ(Over(argument, new ObjectString()),
+                  "! Unable to call non-static method 'this' of class 'string' without a class instance");
+    }
+}
+
+// The first evaluation makes each call on an object, those with limits always do; the others need not.
+TEST_F(CallSite, OfATextsMethodGivesTheSameWithAndWithoutAnObject) {
+    const wchar_t* const calls[] = {
+        L"Length()",
+        L"Empty()",
+        L"ToUpper()",
+        L"ToLower()",
+        L"Trim()",
+        L"LTrim()",
+        L"RTrim()",
+        L"SubStr(1)",
+        L"length",
+        L"TOUPPER",
+        L"Trim('a\t ')",
+        L"Trim('')",
+        L"Trim(1)",
+        L"Trim(null)",
+        L"LTrim('\t')",
+        L"RTrim(' ')",
+        L"Delete(1)",
+        L"SubStr()",
+        L"SubStr(0, 3)",
+        L"SubStr(0, 0)",
+        L"SubStr(2, 1)",
+        L"SubStr(2, -1)",
+        L"SubStr(-3)",
+        L"SubStr(-3, 2)",
+        L"SubStr(-3, -2)",
+        L"SubStr(-100, 2)",
+        L"SubStr(100)",
+        L"SubStr(100, -100)",
+        L"SubStr(1, 2147483647)",
+        L"SubStr(2147483647, 2147483647)",
+        L"SubStr(-2147483647, -2147483647)",
+        L"SubStr(1.6)",
+        L"SubStr('1', true)",
+        L"SubStr('one')",
+        L"SubStr(1, null)",
+        L"SubStr(1 + 1, 1)",
+        L"SubStr(1, 2, 3)",
+        L"SubStr(9999999999)",
+        L"Length(1)",
+        L"Empty(1)",
+        L"ToUpper(1)",
+        L"ToUpper().ToLower().Trim().SubStr(1).Length().Abs()",
+        L"ToTitle().Trim().ToTitle()",
+        L"Trim().Foo",
+        L"Trim().Split('b').First().ToUpper()",
+    };
+    Host limited;
+    limited.engine.SetLimits({});
+    for (const wchar_t* const call : calls) {
+        const Ref<IQueryElement> ofSource = Parse((OrvStringT(L"@this.") + call).GetString());
+        const Ref<IQueryElement> ofLiteral = Parse((OrvStringT(L"' aBc\t'.") + call).GetString());
+        const Ref<ObjectString> source = Make<ObjectString>(L" aBc\t");
+        limited.engine.SetPropertySource(source.Get());
+        host.engine.SetPropertySource(source.Get());
+        const std::string first = limited.Run(*ofSource);
+        const int position = limited.engine.GetErrorPosition();
+        for (int round = 0; round < 3; ++round) {
+            EXPECT_EQ(host.Run(*ofSource), first) << Utf8(call);
+            EXPECT_EQ(host.engine.GetErrorPosition(), position) << Utf8(call);
+            EXPECT_EQ(limited.Run(*ofSource), first) << Utf8(call);
+            EXPECT_EQ(host.Run(*ofLiteral), first) << Utf8(call);
+            EXPECT_EQ(limited.Run(*ofLiteral), first) << Utf8(call);
+        }
+        EXPECT_EQ(Describe(source.Get()), "string  aBc\t");
+        limited.engine.SetPropertySource(nullptr);
+        host.engine.SetPropertySource(nullptr);
+    }
+}
+
+// A value that is an item of an array as well, or a literal of the query, stays what it is.
+TEST_F(CallSite, OfATextsMethodLeavesTheTextToOthers) {
+    const Ref<IQueryElement> tree =
+        Parse(L"array(' a ', 'B').Convert($item.Trim().ToUpper() + $item.ToLower() + $item + ' c '.Trim()).Join(';')");
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(host.Run(*tree), "string A a  a c;BbBc");
+    }
+}
+
 } // namespace
 } // namespace OrvUQL::Tests
