@@ -1,9 +1,5 @@
 # The headers that nearly every unit test includes, compiled once for each way in which test programs are compiled: most
 # of the time that a test takes to compile goes into GoogleMock and the standard library.
-#
-# A test still includes what it uses: the preset `clang` compiles without this.
-
-option(ORVUQL_PRECOMPILED_HEADERS "Compile the headers of the unit tests once" ON)
 
 set(test_headers
     <OrvUQL/OrvUQL.h>
@@ -43,14 +39,4 @@ function(orvuql_use_precompiled_headers target library definitions)
     endif()
     target_precompile_headers(${target} REUSE_FROM ${headers})
     orvuql_cache_with_precompiled_headers(${target})
-endfunction()
-
-# ccache has to be told that it may take a precompiled header for what it was made of.
-function(orvuql_cache_with_precompiled_headers target)
-    find_program(ORVUQL_ENV env)
-    mark_as_advanced(ORVUQL_ENV)
-    if(ORVUQL_CCACHE AND ORVUQL_ENV AND CMAKE_CXX_COMPILER_LAUNCHER STREQUAL ORVUQL_CCACHE)
-        set_target_properties(${target} PROPERTIES CXX_COMPILER_LAUNCHER
-            "${ORVUQL_ENV};CCACHE_SLOPPINESS=pch_defines,time_macros;${ORVUQL_CCACHE}")
-    endif()
 endfunction()

@@ -4,6 +4,7 @@
 #include <OrvUQL/OrvUQL.h>
 
 #include "support/Counted.h"
+#include "support/Effort.h"
 #include "support/StackThread.h"
 
 #include <gtest/gtest.h>
@@ -15,8 +16,8 @@
 namespace OrvUQL::Tests {
 namespace {
 
-constexpr int million = 1000000;
-constexpr int hundredThousand = 100000;
+constexpr int million = PartOf(1000000);
+constexpr int hundredThousand = PartOf(100000);
 
 using Strings = std::vector<std::string>;
 

@@ -1,6 +1,7 @@
 // Chains as long as generators write them, on a small stack: parsed, evaluated twice and released without recursion.
 
 #include "eval/Nodes.h"
+#include "support/Effort.h"
 #include "support/Host.h"
 #include "support/StackThread.h"
 
@@ -11,13 +12,8 @@
 namespace OrvUQL::Tests {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr int million = 100000; // the same without recursion, only slower
-constexpr int hundredThousand = 20000;
-#else
-constexpr int million = 1000000;
-constexpr int hundredThousand = 100000;
-#endif
+constexpr int million = PartOf(1000000);
+constexpr int hundredThousand = PartOf(100000);
 
 OrvStringT Repeat(const wchar_t* text, int count) {
     OrvStringT all;

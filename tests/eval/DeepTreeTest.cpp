@@ -2,6 +2,7 @@
 // it, everything else ends in an error where the stack does, and releasing takes none.
 
 #include "eval/Nodes.h"
+#include "support/Effort.h"
 #include "support/Host.h"
 #include "support/StackThread.h"
 
@@ -18,11 +19,7 @@ constexpr std::size_t usualStack = 8 * 1024 * 1024;
 // Even the smallest frame, so many times, is more than the usual stack.
 constexpr int excess = 200000;
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr int million = 200000;
-#else
-constexpr int million = 1000000;
-#endif
+constexpr int million = PartOf(1000000);
 
 /// One more node around a tree, which is taken over.
 struct Wrapping {
@@ -66,11 +63,11 @@ IQueryElement* Nest(const Wrapping& wrapping, int depth) {
     return tree;
 }
 
-void Overflow(std::size_t stack) {
-    RunOnThread(stack, [] {
+void Overflow(std::size_t stack, int depth) {
+    RunOnThread(stack, [depth] {
         Host host;
         for (const Wrapping& wrapping : wrappings) {
-            Ref<IQueryElement> tree(Nest(wrapping, excess));
+            Ref<IQueryElement> tree(Nest(wrapping, depth));
             for (int round = 0; round < 2; ++round) {
                 ErrorSlot error;
                 const Ref<IObject> value(host.engine.Evaluate(tree.Get(), error.Slot()));
@@ -87,9 +84,9 @@ void Overflow(std::size_t stack) {
     });
 }
 
-TEST(DeepTrees, BeyondASmallStackAreErrors) { Overflow(smallStack); }
+TEST(DeepTrees, BeyondASmallStackAreErrors) { Overflow(smallStack, PartOf(excess)); }
 
-TEST(DeepTrees, BeyondTheUsualStackAreErrors) { Overflow(usualStack); }
+TEST(DeepTrees, BeyondTheUsualStackAreErrors) { Overflow(usualStack, excess); }
 
 TEST(DeepTrees, ThatFitAreEvaluated) {
     RunOnThread(smallStack, [] {
@@ -109,7 +106,7 @@ TEST(DeepTrees, ThatFitAreEvaluated) {
 // Nobody needs to evaluate a tree for it to go.
 TEST(DeepTrees, AreReleasedOnASmallStack) {
     for (const Wrapping& wrapping : wrappings) {
-        IQueryElement* const tree = Nest(wrapping, excess);
+        IQueryElement* const tree = Nest(wrapping, PartOf(excess));
         RunOnThread(smallStack, [&] { tree->Release(); });
     }
 }

@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <memory>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -61,8 +60,12 @@ std::set<std::string> CompleteInBash(const std::string& words) {
 std::set<std::string> CompleteInFish(const std::string& line) {
     const TestFile script = MakeScript("fish");
     const TestFile program("source " + script.GetPath() + "\ncomplete -C '" + line + "'\n", ".fish");
-    const std::string output = RunShell("HOME=/nonexistent fish --no-config " + program.GetPath() + " 2>&1");
-    return SplitLines(std::regex_replace(output, std::regex("\t[^\n]*"), ""));
+    std::set<std::string> offers;
+    for (const std::string& offer :
+         SplitLines(RunShell("HOME=/nonexistent fish --no-config " + program.GetPath() + " 2>&1"))) {
+        offers.insert(offer.substr(0, offer.find('\t')));
+    }
+    return offers;
 }
 
 /// All options that the help of a command lists.
@@ -72,13 +75,13 @@ std::set<std::string> ReadOptions(const std::vector<std::string>& command) {
     std::set<std::string> options;
     std::istringstream help(RunUql(arguments).out);
     for (std::string line; std::getline(help, line);) {
-        const std::regex name("^  (-[a-zA-Z-]+)(?:,(--[a-z-]+))?");
-        std::smatch match;
-        if (std::regex_search(line, match, name)) {
-            options.insert(match[1]);
-            if (match[2].matched) {
-                options.insert(match[2]);
-            }
+        if (line.compare(0, 3, "  -") != 0) {
+            continue;
+        }
+        // Two names at most, with a comma between them, up to what they take.
+        std::istringstream names(line.substr(2, line.find_first_of(" \t", 2) - 2));
+        for (std::string name; std::getline(names, name, ',');) {
+            options.insert(name);
         }
     }
     return options;

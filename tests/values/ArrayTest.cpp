@@ -4,6 +4,7 @@
 
 #include "support/Attempt.h"
 #include "support/Counted.h"
+#include "support/Effort.h"
 #include "support/Host.h"
 #include "support/StackThread.h"
 
@@ -166,7 +167,7 @@ IObject* Nest(int depth) {
 }
 
 TEST_F(Array, ReadsAMillionDeep) {
-    constexpr int depth = 1000000;
+    constexpr int depth = PartOf(1000000);
     const auto read = [] {
         const Ref<IObject> array(Nest(depth));
         OrvStringT text;
@@ -184,7 +185,7 @@ TEST_F(Array, ReadsAMillionDeep) {
 
 TEST_F(Array, IsConvertedAMillionDeep) {
     RunOnThread(smallStack, [] {
-        const Ref<IObject> array(Nest(1000000));
+        const Ref<IObject> array(Nest(PartOf(1000000)));
         bool boolean = true;
         ErrorSlot error;
         EXPECT_FALSE(array->ToBool(boolean, error.Slot()));
@@ -243,7 +244,7 @@ Ref<IObject> NestBoxes(int depth) {
 TEST_F(Array, OfAHostNestedBeyondTheStackIsAnErrorAndNoCrash) {
     const auto beginning = [](const std::string& outcome) { return outcome.substr(0, 40); };
     const auto read = [&] {
-        const Ref<IObject> box = NestBoxes(1000000);
+        const Ref<IObject> box = NestBoxes(PartOf(1000000));
         EXPECT_EQ(beginning(ToText(*box)), "! Internal error");
         EXPECT_EQ(beginning(ToDouble(*box)), "! Internal error");
         EXPECT_EQ(beginning(Call(*box, L"ToString")), "! Internal error");
