@@ -22,8 +22,8 @@ public:
     Frame& operator=(const Frame&) = delete;
     /// The values put aside are the frame's, so that they are disposed of however the run ends.
     ~Frame() {
-        while (top != bottom) {
-            const ValueHolder disposed(Pop());
+        if (top != bottom) [[unlikely]] {
+            DisposeOfAll();
         }
     }
 
@@ -34,6 +34,13 @@ public:
     const bool wantsObject; ///< where the program's value is that of an element: whether it has to be its very object
 
 private:
+    /// Not inline: where nothing is left, which is nearly always, the program's value stays in registers.
+    ORVUQL_NOINLINE void DisposeOfAll() noexcept {
+        while (top != bottom) {
+            const ValueHolder disposed(Pop());
+        }
+    }
+
     Value* top;
     Value* const bottom;
     Value near[nearDepth];
@@ -45,7 +52,8 @@ struct Instruction;
 /// comes out, values may be left in the frame. May throw.
 ///
 /// On a thread that has a meter it is the metered form that has to be run: it charges a step for each operator, and has
-/// the elements charge theirs.
+/// the elements charge theirs. So it is for a tree that is evaluated without an engine: the other form does not ask
+/// whether there is one.
 template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* engine, Frame& frame);
 
 } // namespace OrvUQL::detail

@@ -100,15 +100,15 @@ Value RepeatedArgument::EvaluateElement() {
         Value value = Value::None();
         switch (kind) {
         case ElementKind::Binary:
-            code = ElementAccess::ProgramOf(static_cast<const OperatorBinary*>(element))->PlainCode();
+            code = ElementAccess::ProgramOf(static_cast<const OperatorBinary*>(element))->PlainCode(engine);
             value = RunOperator(static_cast<const OperatorBinary*>(element), engine, true, frame.err);
             break;
         case ElementKind::Unary:
-            code = ElementAccess::ProgramOf(static_cast<const OperatorUnary*>(element))->PlainCode();
+            code = ElementAccess::ProgramOf(static_cast<const OperatorUnary*>(element))->PlainCode(engine);
             value = RunOperator(static_cast<const OperatorUnary*>(element), engine, true, frame.err);
             break;
         case ElementKind::Ternary:
-            code = ElementAccess::ProgramOf(static_cast<const OperatorTernary*>(element))->PlainCode();
+            code = ElementAccess::ProgramOf(static_cast<const OperatorTernary*>(element))->PlainCode(engine);
             value = RunOperator(static_cast<const OperatorTernary*>(element), engine, true, frame.err);
             break;
         default:

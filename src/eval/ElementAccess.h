@@ -50,12 +50,10 @@ struct ElementAccess {
         return static_cast<const ElementMethod*>(element)->EvaluateValue(engine, err);
     }
 
-    /// Its value if the last object's class is still the one and has a getter that gives one; else none.
+    /// Its value if the last object's class is still the one and has a getter that gives one; else none. This and the
+    /// others that read what an engine carries need an engine.
     static ORVUQL_ALWAYS_INLINE Value TryRead(const IQueryElement* element, QueryEngine* engine) {
         const ElementMethod* const call = static_cast<const ElementMethod*>(element);
-        if (engine == nullptr) [[unlikely]] {
-            return Value::None();
-        }
         IObject* const target = EngineAccess::Target(engine, call->site);
         if (target == nullptr || call->site.type != &typeid(*target)) [[unlikely]] {
             return Value::None();
@@ -158,7 +156,7 @@ private:
 
     /// The variable if it is exactly the library's iterator, which has its own table.
     static const ObjectIterator* VariableIterator(const QueryEngine* engine) noexcept {
-        const IObject* const variable = engine == nullptr ? nullptr : EngineAccess::Variable(engine);
+        const IObject* const variable = EngineAccess::Variable(engine);
         return variable != nullptr && &typeid(*variable) == &typeid(ObjectIterator)
                    ? static_cast<const ObjectIterator*>(variable)
                    : nullptr;

@@ -186,8 +186,8 @@ Value ElementMethod::EvaluateCalls(QueryEngine* engine, IError** err) const {
         spine.Push(node);
         next = node;
     }
-    Value value =
-        next->TakesText() && ElementAccess::IsRead(node) ? ElementAccess::TryRead(node, engine) : Value::None();
+    const bool maybeText = engine != nullptr && next->TakesText() && ElementAccess::IsRead(node);
+    Value value = maybeText ? ElementAccess::TryRead(node, engine) : Value::None();
     if (value.Failed()) {
         value = node->EvaluateFirst(engine, err);
     }

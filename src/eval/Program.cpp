@@ -155,9 +155,14 @@ inline Value CompareWithLiteral(const Instruction& instruction, Value text) noex
                                       ElementAccess::LiteralText(instruction.element)));
 }
 
+/// Where a jump leads.
+inline const Instruction* Target(const Instruction* jump) noexcept {
+    return reinterpret_cast<const Instruction*>(reinterpret_cast<const char*>(jump) + jump->distance);
+}
+
 /// What follows a comparison and the BranchIfFalse behind it.
 inline const Instruction* Branch(const Instruction* comparison, bool truth) noexcept {
-    return comparison + (truth ? 2 : 1 + comparison[1].distance);
+    return truth ? comparison + 2 : Target(comparison + 1);
 }
 
 /// Takes the operand over.
@@ -521,13 +526,13 @@ combineRead:
     if (!BecomeTruth(*at, accumulator, engine, frame)) {
         return accumulator;
     }
-    at += accumulator.boolean ? 1 : at->distance;
+    at = accumulator.boolean ? at + 1 : Target(at);
     ORVUQL_NEXT();
     ORVUQL_ON(Or)
     if (!BecomeTruth(*at, accumulator, engine, frame)) {
         return accumulator;
     }
-    at += accumulator.boolean ? at->distance : 1;
+    at = accumulator.boolean ? Target(at) : at + 1;
     ORVUQL_NEXT();
     ORVUQL_ON(Truth)
     if (!BecomeTruth(*at, accumulator, engine, frame)) {
@@ -539,7 +544,7 @@ combineRead:
     if (!BecomeTruth(*at, accumulator, engine, frame)) {
         return accumulator;
     }
-    at += accumulator.boolean ? 1 : at->distance;
+    at = accumulator.boolean ? at + 1 : Target(at);
     ORVUQL_NEXT();
     ORVUQL_ON(Not)
     if (!BecomeTruth(*at, accumulator, engine, frame)) {
@@ -549,7 +554,7 @@ combineRead:
     ++at;
     ORVUQL_NEXT();
     ORVUQL_ON(Jump)
-    at += at->distance;
+    at = Target(at);
     ORVUQL_NEXT();
 
     ORVUQL_ON(Sign)

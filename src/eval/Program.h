@@ -91,7 +91,7 @@ struct Instruction {
         std::int32_t integer;
         double number;
         const IQueryElement* element; ///< borrowed from the tree
-        std::ptrdiff_t distance;      ///< of a jump, in instructions
+        std::ptrdiff_t distance;      ///< of a jump, in bytes
     };
 };
 
@@ -106,20 +106,22 @@ public:
     /// The value, or none with the position of the failing element noted. Where the tree's value is that of an element
     /// which is no operator, `wantsObject` tells whether it has to be that element's object. May throw.
     Value Run(QueryEngine* engine, bool wantsObject, IError** err) const {
-        if (platform::CurrentThread().meter != nullptr) [[unlikely]] {
+        if (platform::CurrentThread().meter != nullptr || engine == nullptr) [[unlikely]] {
             return RunMetered(engine, wantsObject, err);
         }
         return RunUnmetered(engine, wantsObject, err);
     }
 
-    /// The same for an evaluation that no meter counts.
+    /// The same for an evaluation that no meter counts, by an engine.
     Value RunUnmetered(QueryEngine* engine, bool wantsObject, IError** err) const {
         return RunForm<false>(engine, wantsObject, err);
     }
 
-    /// What RunProgram() runs, where a plain frame has room enough and nobody counts; else null.
-    const Instruction* PlainCode() const noexcept {
-        return depth > Frame::nearDepth || platform::CurrentThread().meter != nullptr ? nullptr : Code();
+    /// What RunProgram() runs, where a plain frame has room enough, nobody counts and there is an engine; else null.
+    const Instruction* PlainCode(const QueryEngine* engine) const noexcept {
+        const bool isPlain =
+            depth <= Frame::nearDepth && platform::CurrentThread().meter == nullptr && engine != nullptr;
+        return isPlain ? Code() : nullptr;
     }
 
 private:

@@ -89,7 +89,9 @@ private:
         return code.size() - 1;
     }
 
-    void JumpHere(std::size_t at) noexcept { code[at].distance = static_cast<std::ptrdiff_t>(code.size() - at); }
+    void JumpHere(std::size_t at) noexcept {
+        code[at].distance = static_cast<std::ptrdiff_t>((code.size() - at) * sizeof(Instruction));
+    }
 
     void Do(const Task& task) {
         switch (task.step) {
