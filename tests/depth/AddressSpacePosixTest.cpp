@@ -1,6 +1,8 @@
 // Whatever nests or grows, in a process that may have little memory: where it ends there is no value, with "Internal
 // error" or, where not even that fits, without an error; never the end of the process, and all is well afterwards.
 
+#include <OrvUQL/OrvUQL.h>
+
 #include "depth/Outcome.h"
 #include "support/StackThread.h"
 
