@@ -546,6 +546,61 @@ TEST_F(CallSite, OfATextsMethodGivesTheSameWithAndWithoutAnObject) {
     }
 }
 
+/// A host's property that gives something else each time.
+class Varied : public CountedObject {
+public:
+    enum class Gives { Text, Null, Number, Object, TypeObject, Nothing };
+
+    explicit Varied(Gives given) : gives(given) {}
+    const MethodMap* GetMethodMap() const override {
+        static const MethodMap table[] = {MethodMap::Property<&Varied::GetName>(L"Name"), MethodMap::End()};
+        return table;
+    }
+
+private:
+    PropertyValue GetName() const {
+        switch (gives) {
+        case Gives::Text:
+            return PropertyValue(L" text ");
+        case Gives::Null:
+            return PropertyValue();
+        case Gives::Number:
+            return PropertyValue(5);
+        case Gives::Object:
+            return PropertyValue(new RecorderWith<TrimFirst>());
+        case Gives::TypeObject:
+            return PropertyValue(new ObjectString());
+        case Gives::Nothing:
+            break;
+        }
+        throw std::bad_alloc();
+    }
+
+    Gives gives;
+};
+
+TEST_F(CallSite, OfATextsMethodTakesWhatAPropertyGives) {
+    const Ref<IQueryElement> tree = Parse(L"1 + @name.Trim().ToUpper()");
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(Over(tree, new Varied(Varied::Gives::Text)), "string 1TEXT");
+        EXPECT_EQ(Over(tree, new Varied(Varied::Gives::Object)), "string 1FIRST TRIM(-)");
+        EXPECT_EQ(Over(tree, new Varied(Varied::Gives::Text)), "string 1TEXT");
+        EXPECT_EQ(Over(tree, new Varied(Varied::Gives::Number)), "! Identifier 'Trim' is not a method of 'int'");
+        EXPECT_EQ(host.engine.GetErrorPosition(), 10);
+        EXPECT_EQ(Over(tree, new Varied(Varied::Gives::Text)), "string 1TEXT");
+        EXPECT_EQ(Over(tree, new Varied(Varied::Gives::TypeObject)),
+                  "! Unable to call non-static method 'Trim' of class 'string' without a class instance");
+        EXPECT_EQ(Over(tree, new Varied(Varied::Gives::Text)), "string 1TEXT");
+        EXPECT_EQ(Over(tree, new Varied(Varied::Gives::Nothing)), "! Internal error");
+        EXPECT_EQ(host.engine.GetErrorPosition(), 4);
+    }
+    const Ref<IQueryElement> chain = Parse(L"@name.Trim().ToUpper()");
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(Over(chain, new Varied(Varied::Gives::Text)), "string TEXT");
+        EXPECT_EQ(Over(chain, new Varied(Varied::Gives::Null)), "null null");
+    }
+}
+
 // A value that is an item of an array as well, or a literal of the query, stays what it is.
 TEST_F(CallSite, OfATextsMethodLeavesTheTextToOthers) {
     const Ref<IQueryElement> tree =

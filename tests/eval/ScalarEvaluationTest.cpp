@@ -99,6 +99,17 @@ TEST_F(ScalarEvaluation, IsEvaluationAndConversion) {
     }
 }
 
+// What an element prepares in its first evaluation is prepared by this one as well.
+TEST_F(ScalarEvaluation, MayBeATreesFirst) {
+    for (const wchar_t* query : queries) {
+        const Ref<IQueryElement> tree = host.Parse(query);
+        const std::string first = Directly<OrvStringT>(*tree);
+        EXPECT_EQ(first, ByValue<OrvStringT>(*tree, [](IObject& value, OrvStringT& out,
+                                                       IError** err) { return value.ToString(out, err); }))
+            << Utf8(query);
+    }
+}
+
 TEST_F(ScalarEvaluation, GivesWhatAHostAsksFor) {
     const Ref<IQueryElement> sum = host.Parse(L"(1 + 2) * 3 - 4 / 2");
     double number = 0;
