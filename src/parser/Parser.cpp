@@ -53,10 +53,6 @@ OrvStringT OperatorText(std::wstring_view text) {
             return ORV_TEXT(L"|");
         case L'!':
             return ORV_TEXT(L"!");
-        case L'?':
-            return ORV_TEXT(L"?");
-        default:
-            break;
         }
     }
     if (text.size() == 2) {

@@ -3,7 +3,6 @@
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <system_error>
 
 namespace OrvUQL::platform {
@@ -79,9 +78,6 @@ public:
                 return false;
             }
             result = 0.0; // below the smallest denormal
-        }
-        if (result > std::numeric_limits<double>::max()) {
-            return false;
         }
         value = result;
         return true;

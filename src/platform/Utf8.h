@@ -37,13 +37,11 @@ template <typename Take> void DecodeUtf8(std::string_view bytes, Take take) {
     }
 }
 
-/// The bytes of one code point that is no surrogate.
+/// The bytes of one code point beyond ASCII that is no surrogate.
 class Utf8Bytes {
 public:
     explicit Utf8Bytes(std::uint32_t code) noexcept {
-        if (code < 0x80u) {
-            Put(code);
-        } else if (code < 0x800u) {
+        if (code < 0x800u) {
             Put(0xC0u | code >> 6);
             Put(0x80u | (code & 0x3Fu));
         } else if (code < 0x10000u) {

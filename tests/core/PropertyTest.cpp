@@ -74,6 +74,8 @@ public:
             throw std::bad_alloc();
         case 2:
             throw std::runtime_error("the host's own");
+        case 3:
+            throw std::length_error("too long");
         default:
             return whole;
         }
@@ -158,6 +160,14 @@ TEST_F(Property, IsReadInsideOfOperators) {
     EXPECT_EQ(Over(*item, L"@Self.Whole + @Self.Self.Narrow"), "int 35");
     EXPECT_EQ(Over(*item, L"@Name.Length() + @Name.ToUpper()"), "string 4BOLT");
     EXPECT_EQ(Over(*item, L"array(1, 2).Convert($item + @Whole)"), "array (43,44)");
+}
+
+TEST_F(Property, IsComparedWithAPropertyOfAnotherType) {
+    const Ref<Item> item = Make<Item>();
+    EXPECT_EQ(Over(*item, L"@Whole > @Real ? 1 : 2"), "int 1");
+    EXPECT_EQ(Over(*item, L"@Whole = @Name ? 1 : 2"), "int 2");
+    EXPECT_EQ(Over(*item, L"@Whole = @Missing ? 1 : 2"), "int 2");
+    EXPECT_EQ(Over(*item, L"@Real > @Whole ? 1 : 2"), "int 2");
 }
 
 TEST_F(Property, GivesWhatIsKnownAtRunTimeOnly) {
@@ -317,8 +327,8 @@ TEST_F(Property, ThatFindsNoMemoryFailsWhereItStands) {
     const Ref<IQueryElement> inside = host.Parse(L"1 + @Throw * 2");
     const Ref<IQueryElement> behindText = host.Parse(L"@Name + @Throw");
     const Ref<IQueryElement> behindPushed = host.Parse(L"(@Name + 'x') + (1 + @Throw)");
-    for (int round = 0; round < 3; ++round) {
-        item->thrown = 1;
+    for (int round = 0; round < 6; ++round) {
+        item->thrown = round % 2 == 0 ? 1 : 3; // a text that is too long finds no memory either
         EXPECT_EQ(host.Run(*alone), "! Internal error");
         EXPECT_EQ(host.engine.GetErrorPosition(), 0);
         EXPECT_EQ(host.Run(*inside), "! Internal error");

@@ -55,6 +55,15 @@ TEST_F(GroupElements, TheSourcesValueIsTheGroupParentInside) {
     EXPECT_EQ(source->References(), 1) << "only the literal's";
 }
 
+TEST_F(GroupElements, HaveNoValueWithoutAnEngine) {
+    CountedObject* const source = new CountedObject("source");
+    const Ref<IQueryElement> group(Group(Literal(source), Literal(new ObjectInt(7))));
+    ErrorSlot error;
+    EXPECT_EQ(group->Evaluate(nullptr, error.Slot()), nullptr) << "there is nowhere to keep the source";
+    EXPECT_EQ(error.Message(), "Internal error");
+    EXPECT_EQ(source->References(), 1) << "only the literal's";
+}
+
 TEST_F(GroupElements, TheValueIsTheEnginesAlone) {
     QueryEngine engine;
     Observer* const observer = new Observer(new ObjectInt(7));

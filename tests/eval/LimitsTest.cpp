@@ -215,6 +215,22 @@ TEST_F(Limits, AnExceededLimitLeavesTheOutputAsItIs) {
     EXPECT_EQ(host.engine.GetErrorPosition(), 6) << "of the second operator";
 }
 
+TEST_F(Limits, FailuresAreTheQuerysOwnWithin) {
+    const Ref<IQueryElement> failing = host.Parse(L"1 + 1 / 0");
+    const Ref<IQueryElement> word = host.Parse(L"  'wo' + 'rd'");
+    host.engine.SetLimits(EvaluationLimits());
+    int number = 5;
+    ErrorSlot error;
+    EXPECT_FALSE(host.engine.EvaluateTo(failing.Get(), number, error.Slot()));
+    EXPECT_EQ(error.Message(), "Division By Zero");
+    EXPECT_EQ(host.engine.GetErrorPosition(), 6);
+    ErrorSlot second;
+    EXPECT_FALSE(host.engine.EvaluateTo(word.Get(), number, second.Slot()));
+    EXPECT_EQ(second.Message(), "Cannot convert string 'word' to Integer");
+    EXPECT_EQ(host.engine.GetErrorPosition(), 7) << "a conversion that fails is the whole query's";
+    EXPECT_EQ(number, 5);
+}
+
 TEST_F(Limits, NoStepsAtAllAreALimitToo) {
     EXPECT_EQ(RunWithin(L"42", 0), noSteps);
     EXPECT_EQ(RunWithin(L"1 + 2", 0), noSteps);
@@ -277,22 +293,22 @@ TEST_F(Limits, WhatHostsEvaluateMeanwhileCountsAndStaysFailed) {
     EXPECT_EQ(object->outcomes, (std::vector<std::string>{"int 3", noSteps, noSteps}));
 }
 
+/// Has another engine evaluate a query, for every name.
+class Delegating : public CountedObject {
+public:
+    Delegating(QueryEngine& engine, IQueryElement* query) : used(engine), tree(query) {}
+    IObject* Invoke(QueryEngine*, const wchar_t*, const QueryElementList&, IError** err) override {
+        return used.Evaluate(tree, err);
+    }
+
+private:
+    QueryEngine& used;
+    IQueryElement* tree;
+};
+
 TEST_F(Limits, AnotherEnginesStepsCountForBoth) {
     Host other;
     const Ref<IQueryElement> inner = other.Parse(L"1 + 2 + 3");
-
-    class Delegating : public CountedObject {
-    public:
-        Delegating(QueryEngine& engine, IQueryElement* query) : used(engine), tree(query) {}
-        IObject* Invoke(QueryEngine*, const wchar_t*, const QueryElementList&, IError** err) override {
-            return used.Evaluate(tree, err);
-        }
-
-    private:
-        QueryEngine& used;
-        IQueryElement* tree;
-    };
-
     const Ref<Delegating> object = Make<Delegating>(other.engine, inner.Get());
     host.engine.SetPropertySource(object.Get());
     other.engine.SetLimits(EvaluationLimits());
@@ -341,6 +357,29 @@ TEST_F(Limits, MemoryIsLimitedToTheByte) {
         host.engine.ClearLimits();
         EXPECT_EQ(Run(query), usual) << "afterwards";
     }
+}
+
+TEST_F(Limits, AnotherEnginesMemoryCountsForBoth) {
+    Host other;
+    const Ref<IQueryElement> inner = other.Parse(L"'a'.Repeat(100000).Length()");
+    const Ref<Delegating> object = Make<Delegating>(other.engine, inner.Get());
+    host.engine.SetPropertySource(object.Get());
+    const std::size_t little = 100'000;
+    const std::size_t much = 1'000'000;
+    const auto within = [&](std::size_t mine, std::size_t others) {
+        EvaluationLimits limits;
+        limits.memory = mine;
+        host.engine.SetLimits(limits);
+        limits.memory = others;
+        other.engine.SetLimits(limits);
+        return Run(L"'b'.Repeat(10).Length() + @value");
+    };
+    EXPECT_EQ(within(much, much), "int 100010");
+    EXPECT_EQ(within(little, much), noMemory);
+    EXPECT_EQ(within(much, little), noMemory) << "as the other engine says";
+    EXPECT_EQ(within(little, EvaluationLimits().memory), noMemory) << "the other has no limit of its own";
+    EXPECT_EQ(within(EvaluationLimits().memory, little), noMemory);
+    EXPECT_EQ(within(much, much), "int 100010") << "afterwards";
 }
 
 TEST_F(Limits, WhatWouldNeverFitIsNotEvenTried) {

@@ -59,6 +59,22 @@ TEST(OrvStringSearch, FindCountsCodeUnits) {
     EXPECT_EQ(OrvStringT(L"a\0b", 3).Find(std::wstring_view(L"\0b", 2)), 1);
 }
 
+// What makes the plain search give up: the second part of the pattern fits everywhere, and the first nearly.
+TEST(OrvStringSearch, FindBehindManyThatNearlyFit) {
+    for (int size = 1; size <= 100; ++size) {
+        const OrvStringT pattern = OrvStringT(L'a', size) + L"b";
+        OrvStringT text;
+        for (int i = 0; i < 30; ++i) {
+            text += OrvStringT(L'a', size - 1) + L"b";
+        }
+        const int length = text.GetLength();
+        EXPECT_EQ(text.Find(pattern), -1) << size;
+        EXPECT_EQ((text + pattern + pattern).Find(pattern), length) << size;
+        EXPECT_EQ((text + pattern + pattern).Find(pattern, length + 1), length + size + 1) << size;
+        EXPECT_EQ((text + pattern).Find(OrvStringT(L'A', size) + L"B", 0, caseless), length) << size;
+    }
+}
+
 TEST(OrvStringSearch, FindTakesLinearTime) {
     // A plain search compares length^2 / 4 units here, which takes minutes.
     constexpr int length = 1'000'000;

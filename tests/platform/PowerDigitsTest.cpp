@@ -280,6 +280,20 @@ TEST(PowerDigits, OfRoots) {
     }
 }
 
+// Odd integers of 54 bits lie in the very middle between two doubles, of which the even one is taken.
+TEST(PowerDigits, InTheMiddleBetweenTwoDoubles) {
+    const int rounds = OrvUQL::Tests::Effort(3'000);
+    for (int i = 0; i < rounds; ++i) {
+        const double root = 208'065.0 + 18 * i;
+        ASSERT_LT(root, 0x1p18);
+        ExpectPower(root * root, 3, 2);
+    }
+    for (double root = 1553; root <= 1781; root += 2) {
+        ExpectPower(root * root, 5, 2);
+        ExpectPower(root * root * root * root, 5, 4);
+    }
+}
+
 TEST(PowerDigits, OfAnyDoubles) {
     std::mt19937_64 random(1729);
     const int rounds = OrvUQL::Tests::Effort(10'000);

@@ -1,5 +1,7 @@
 #include "platform/Power.h"
 
+#include "platform/PowerSteps.h"
+
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -46,4 +48,14 @@ TEST(Power, SpecialValues) {
     EXPECT_TRUE(std::isnan(Power(-8, 1.0 / 3)));
     EXPECT_EQ(Power(10, 400), INFINITY);
     EXPECT_EQ(Power(10, -400), 0.0);
+}
+
+// The accurate way is taken where the quick one does not know the last digit, which is never so far out. It holds there
+// all the same.
+TEST(Power, AccuratelyOutsideTheRangeOfDoubles) {
+    EXPECT_EQ(AccuratePower(10, 400), INFINITY);
+    EXPECT_EQ(AccuratePower(10, 400.5), INFINITY);
+    EXPECT_EQ(AccuratePower(10, 310.5), INFINITY);
+    EXPECT_EQ(AccuratePower(10, -400.5), 0.0);
+    EXPECT_EQ(AccuratePower(10, -325.5), 0.0);
 }

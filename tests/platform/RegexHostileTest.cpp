@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ctime>
 #include <functional>
 #include <regex>
 #include <string>
@@ -53,13 +52,8 @@ const std::string tooDeep = "error " + std::to_string(error_stack);
 
 class RegexHostile : public ::testing::TestWithParam<std::size_t> {
 protected:
-    static void OnStack(const std::function<void()>& body) {
-        // The processor's time (but on Windows, where this is what passes): a machine may have other things to do.
-        const std::clock_t begin = std::clock();
-        RunOnThread(GetParam(), body);
-        // Machines differ and sanitizers cost; without bounds these would take years.
-        EXPECT_LT((std::clock() - begin) / CLOCKS_PER_SEC, 60);
-    }
+    // No clock is read, for machines differ and sanitizers cost: without bounds these would take years.
+    static void OnStack(const std::function<void()>& body) { RunOnThread(GetParam(), body); }
 };
 
 } // namespace

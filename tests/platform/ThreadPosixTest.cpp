@@ -1,4 +1,5 @@
 #include "platform/Thread.h"
+#include "support/Coroutine.h"
 #include "support/StackUse.h"
 
 #include <gtest/gtest.h>
@@ -7,21 +8,13 @@
 #include <functional>
 #include <memory>
 #include <pthread.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
-#include <ucontext.h>
 #include <unistd.h>
-#include <utility>
 #include <vector>
-#if defined(__SANITIZE_THREAD__)
-#include <sanitizer/tsan_interface.h>
-#define CROSSES __attribute__((no_sanitize("thread"))) // is entered on one stack and left on another
-#else
-#define CROSSES
-#endif
 
 using namespace OrvUQL::platform;
+using OrvUQL::Tests::Coroutine;
 using OrvUQL::Tests::UseStackDownTo;
 
 // Stacks of every kind: small and great ones, one without a limit, and switched ones.
@@ -60,66 +53,6 @@ __attribute__((noinline)) std::uintptr_t Descend(std::uintptr_t top, std::size_t
 std::uintptr_t DepthFromHere(std::size_t reserve, std::size_t leaf) {
     return Descend(ORVUQL_FRAME_ADDRESS(), reserve, leaf);
 }
-
-/// A function on a stack of its own that can be left and entered again.
-class Coroutine {
-public:
-    Coroutine(std::size_t size, std::function<void(Coroutine&)> function) : body(std::move(function)), bytes(size) {
-        memory = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        ::mprotect(memory, 4096, PROT_NONE);
-        getcontext(&inside);
-        inside.uc_stack.ss_sp = memory;
-        inside.uc_stack.ss_size = bytes;
-        inside.uc_link = &outside;
-        const auto self = reinterpret_cast<std::uintptr_t>(this);
-        makecontext(&inside, reinterpret_cast<void (*)()>(Start), 2, static_cast<unsigned>(self >> 32),
-                    static_cast<unsigned>(self));
-    }
-    ~Coroutine() {
-#if defined(__SANITIZE_THREAD__)
-        __tsan_destroy_fiber(fiber);
-#endif
-        ::munmap(memory, bytes);
-    }
-    Coroutine(const Coroutine&) = delete;
-    Coroutine& operator=(const Coroutine&) = delete;
-
-    void Enter() {
-        TellSanitizer(true);
-        swapcontext(&outside, &inside);
-    }
-    void Leave() {
-        TellSanitizer(false);
-        swapcontext(&inside, &outside);
-    }
-
-private:
-    std::function<void(Coroutine&)> body;
-    std::size_t bytes;
-    void* memory = nullptr;
-    ucontext_t inside{};
-    ucontext_t outside{};
-#if defined(__SANITIZE_THREAD__)
-    void* thread = nullptr;
-    void* fiber = __tsan_create_fiber(0);
-#endif
-
-    CROSSES static void Start(unsigned high, unsigned low) {
-        auto* const self = reinterpret_cast<Coroutine*>(std::uintptr_t{high} << 32 | low);
-        self->body(*self);
-        self->TellSanitizer(false);
-    }
-
-    /// The thread sanitizer keeps books of each stack, and has to be told which one the thread is about to use.
-    CROSSES void TellSanitizer([[maybe_unused]] bool entering) {
-#if defined(__SANITIZE_THREAD__)
-        if (entering) {
-            thread = __tsan_get_current_fiber();
-        }
-        __tsan_switch_to_fiber(entering ? fiber : thread, 0);
-#endif
-    }
-};
 
 } // namespace
 

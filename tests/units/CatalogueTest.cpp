@@ -5,6 +5,7 @@
 #include "support/CountedUnits.h"
 #include "support/Host.h"
 #include "support/Print.h"
+#include "values/CallHandler.h"
 
 #include <gtest/gtest.h>
 
@@ -226,6 +227,14 @@ TEST_F(Catalogue, IsReleasedByItsEngineInTheOrderOfAdding) {
         EXPECT_TRUE(Counted::gone.empty());
     }
     EXPECT_EQ(Counted::gone, (std::vector<std::string>{"first", "second", "third"}));
+}
+
+TEST_F(Catalogue, ConvertTakesNoNameFromWhatHasNoText) {
+    Host host;
+    const Ref<Stubborn> stubborn = Make<Stubborn>();
+    host.engine.SetPropertySource(stubborn.Get());
+    EXPECT_EQ(host.Run(L"{1 cm}.Convert(@This)"), "! no text");
+    host.engine.SetPropertySource(nullptr);
 }
 
 TEST_F(Catalogue, OfAHostServesUnitLiterals) {
