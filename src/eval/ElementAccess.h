@@ -61,13 +61,24 @@ struct ElementAccess {
         return ReadDirectly(call, target, engine);
     }
 
-    /// The same for "$item" and "$lasteval", which array methods answer for each item.
-    static ORVUQL_ALWAYS_INLINE Value ItemValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
+    /// "$item" and "$lasteval", which array methods answer for each item, where they are what most are: an int, and a
+    /// number or null. Else none.
+    static ORVUQL_ALWAYS_INLINE Value TryItem(QueryEngine* engine) noexcept {
         if (const ObjectIterator* const iterator = VariableIterator(engine)) [[likely]] {
-            const Value number = IteratorAccess::IntItem(iterator);
-            if (!number.Failed()) [[likely]] {
-                return number;
-            }
+            return IteratorAccess::IntItem(iterator);
+        }
+        return Value::None();
+    }
+    static ORVUQL_ALWAYS_INLINE Value TryLast(QueryEngine* engine) noexcept {
+        if (const ObjectIterator* const iterator = VariableIterator(engine)) [[likely]] {
+            return IteratorAccess::ScalarLastEval(iterator);
+        }
+        return Value::None();
+    }
+
+    /// The same whatever they are.
+    static Value ItemValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
+        if (const ObjectIterator* const iterator = VariableIterator(engine)) {
             const Value value = IteratorAccess::Item(iterator);
             if (!value.Failed()) {
                 return value;
@@ -75,10 +86,10 @@ struct ElementAccess {
         }
         return ReadValue(element, engine, err);
     }
-    static ORVUQL_ALWAYS_INLINE Value LastValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
-        if (const ObjectIterator* const iterator = VariableIterator(engine)) [[likely]] {
+    static Value LastValue(const IQueryElement* element, QueryEngine* engine, IError** err) {
+        if (const ObjectIterator* const iterator = VariableIterator(engine)) {
             const Value value = IteratorAccess::LastEval(iterator);
-            if (!value.Failed()) [[likely]] {
+            if (!value.Failed()) {
                 return value;
             }
         }
@@ -157,9 +168,10 @@ private:
     /// The variable if it is exactly the library's iterator, which has its own table.
     static const ObjectIterator* VariableIterator(const QueryEngine* engine) noexcept {
         const IObject* const variable = EngineAccess::Variable(engine);
-        return variable != nullptr && &typeid(*variable) == &typeid(ObjectIterator)
-                   ? static_cast<const ObjectIterator*>(variable)
-                   : nullptr;
+        if (variable != nullptr && &typeid(*variable) == &typeid(ObjectIterator)) [[likely]] {
+            return static_cast<const ObjectIterator*>(variable);
+        }
+        return nullptr;
     }
 
     /// Where memory ends in a host's getter, that is noted as the call's failure.

@@ -41,12 +41,13 @@ Value NoShortWay() noexcept {
 
 /// Two ints, without asking for their types.
 ORVUQL_ALWAYS_INLINE Value CombineInts(OperatorCode code, int left, int right, IError** err) {
+    if (code == OperatorCode::Plus) [[likely]] { // the most frequent one first
+        return AddInts(left, right, err);
+    }
     if (code <= OperatorCode::NotEqual) {
         return Value::Bool(CompareInts(static_cast<EOperType>(code), left, right));
     }
     switch (code) {
-    case OperatorCode::Plus:
-        return AddInts(left, right, err);
     case OperatorCode::Minus:
         return SubtractInts(left, right, err);
     case OperatorCode::Multiply:
@@ -78,7 +79,7 @@ ORVUQL_ALWAYS_INLINE Value CombineDoubles(OperatorCode code, double left, double
 }
 
 ORVUQL_ALWAYS_INLINE Value CombineNumbers(OperatorCode code, Value left, Value right, IError** err) {
-    if (left.kind == ValueKind::Int && right.kind == ValueKind::Int) {
+    if (left.kind == ValueKind::Int && right.kind == ValueKind::Int) [[likely]] {
         return CombineInts(code, left.Integer(), right.Integer(), err);
     }
     const bool areNumbers = (left.kind == ValueKind::Int || left.kind == ValueKind::Double) &&
@@ -232,6 +233,14 @@ ORVUQL_NOINLINE Value InvokeRead(const Instruction& instruction, QueryEngine* en
     return ElementAccess::InvokeValue(instruction.element, engine, frame.err);
 }
 
+/// The same for what array methods answer.
+ORVUQL_NOINLINE Value InvokeItem(const Instruction& instruction, QueryEngine* engine, const Frame& frame) {
+    return ElementAccess::ItemValue(instruction.element, engine, frame.err);
+}
+ORVUQL_NOINLINE Value InvokeLast(const Instruction& instruction, QueryEngine* engine, const Frame& frame) {
+    return ElementAccess::LastValue(instruction.element, engine, frame.err);
+}
+
 /// Before an instruction, with the accumulator for an operand.
 void ChargeBefore(const Instruction& instruction, const Value& accumulator, QueryEngine* engine) {
     if (IsStep(instruction.action) && !AsksForOperand(instruction.action)) {
@@ -352,7 +361,12 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     if constexpr (isMetered) {
         accumulator = AskElement<isMetered>(*at, engine, frame);
     } else {
-        accumulator = ElementAccess::ItemValue(at->element, engine, frame.err);
+        accumulator = ElementAccess::TryItem(engine);
+        if (!accumulator.Failed()) [[likely]] {
+            ++at;
+            ORVUQL_NEXT();
+        }
+        accumulator = InvokeItem(*at, engine, frame);
     }
     if (accumulator.Failed()) {
         return accumulator;
@@ -363,7 +377,12 @@ template <bool isMetered> Value RunProgram(const Instruction* at, QueryEngine* e
     if constexpr (isMetered) {
         accumulator = AskElement<isMetered>(*at, engine, frame);
     } else {
-        accumulator = ElementAccess::LastValue(at->element, engine, frame.err);
+        accumulator = ElementAccess::TryLast(engine);
+        if (!accumulator.Failed()) [[likely]] {
+            ++at;
+            ORVUQL_NEXT();
+        }
+        accumulator = InvokeLast(*at, engine, frame);
     }
     if (accumulator.Failed()) {
         return accumulator;
@@ -466,10 +485,14 @@ combineRead:
     }
     goto combine;
     ORVUQL_ON(CombineItem)
-    if (isMetered || NeedsOwner(accumulator)) {
-        right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
+    if (!isMetered && !NeedsOwner(accumulator)) {
+        right = ElementAccess::TryItem(engine);
+        if (!right.Failed()) [[likely]] {
+            goto combine;
+        }
+        right = InvokeItem(*at, engine, frame);
     } else {
-        right = ElementAccess::ItemValue(at->element, engine, frame.err);
+        right = EvaluateBeside<isMetered>(accumulator, *at, engine, frame.err);
     }
     if (right.Failed()) {
         return right;

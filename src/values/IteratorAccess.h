@@ -17,7 +17,7 @@ struct IteratorAccess {
         iterator->item = item;
         iterator->position = position;
         iterator->lastKind = static_cast<std::int32_t>(lasteval.kind);
-        if (lasteval.kind == ValueKind::Int) {
+        if (lasteval.kind == ValueKind::Int) [[likely]] {
             iterator->last.integer = lasteval.Integer();
             return;
         }
@@ -44,14 +44,10 @@ struct IteratorAccess {
 
     /// The last value while it has no object.
     static Value LastScalar(const ObjectIterator* iterator) noexcept {
-        switch (iterator->lastKind) {
-        case IObject::TypeInt:
+        if (iterator->lastKind == IObject::TypeInt) [[likely]] {
             return Value::Int(iterator->last.integer);
-        case IObject::TypeDouble:
-            return Value::Double(iterator->last.number);
-        default:
-            return Value::Null();
         }
+        return iterator->lastKind == IObject::TypeDouble ? Value::Double(iterator->last.number) : Value::Null();
     }
 
     // What the methods of these names give; none for a field that holds nothing.
@@ -60,15 +56,24 @@ struct IteratorAccess {
         return iterator->lasteval == nullptr && iterator->position > 0 ? LastScalar(iterator)
                                                                        : UnboxShared(iterator->lasteval);
     }
+    /// The same while it has no object, else none.
+    static Value ScalarLastEval(const ObjectIterator* iterator) noexcept {
+        if (iterator->lasteval == nullptr && iterator->position > 0) [[likely]] {
+            return LastScalar(iterator);
+        }
+        return Value::None();
+    }
     static Value Item(const ObjectIterator* iterator) noexcept { return UnboxShared(iterator->item); }
     /// The same where the item is an int, else none.
     static Value IntItem(const ObjectIterator* iterator) noexcept {
         const IObject* const item = iterator->item;
-        if (item == nullptr || &typeid(*item) != &typeid(ObjectInt)) {
-            return Value::None();
+        if (item != nullptr && &typeid(*item) == &typeid(ObjectInt)) [[likely]] {
+            const ObjectInt* const number = static_cast<const ObjectInt*>(item);
+            if (!number->ObjectBaseStaticImpl::IsStaticInstance()) [[likely]] {
+                return Value::Int(number->GetValue());
+            }
         }
-        const ObjectInt* const number = static_cast<const ObjectInt*>(item);
-        return number->ObjectBaseStaticImpl::IsStaticInstance() ? Value::None() : Value::Int(number->GetValue());
+        return Value::None();
     }
     static Value Index(const ObjectIterator* iterator) noexcept {
         return iterator->position > 0 ? Value::Int(iterator->position) : UnboxShared(iterator->index);
