@@ -128,6 +128,45 @@ TEST_F(MemoryFailure, WhileAQueryIsEvaluated) {
     }
 }
 
+// An engine that has evaluated before has room already for what it puts aside.
+TEST_F(MemoryFailure, WhileANewEngineEvaluates) {
+    for (const Row& row : rows) {
+        SCOPED_TRACE(Utf8(row.query));
+        const Ref<IQueryElement> tree = host.Parse(row.query);
+        ASSERT_TRUE(tree);
+        ExpectSurvives(row.outcome, [&](IError** err) {
+            QueryEngine engine;
+            engine.SetGlobal(host.engine.GetGlobal());
+            engine.SetPropertySource(host.engine.GetPropertySource());
+            return engine.Evaluate(tree.Get(), err);
+        });
+    }
+}
+
+TEST_F(MemoryFailure, WhileReferencesAreKeptUntilTheEnd) {
+    const Ref<CountedObject> object = Make<CountedObject>();
+    host.engine.SetPropertySource(object.Get());
+    host.engine.SetReleaseKeptReferences(true);
+    const Row kept[] = {
+        {L"array(1, 'two').AddArray(array(@This, 4)).Count()", "int 4"},
+        {L"array(1, 'two', @This, 1, 'two').Unique().Count()", "int 3"},
+    };
+    for (const Row& row : kept) {
+        SCOPED_TRACE(Utf8(row.query));
+        const Ref<IQueryElement> tree = host.Parse(row.query);
+        ASSERT_TRUE(tree);
+        ExpectSurvives(row.outcome, [&](IError** err) {
+            QueryEngine engine;
+            engine.SetGlobal(host.engine.GetGlobal());
+            engine.SetPropertySource(object.Get());
+            engine.SetReleaseKeptReferences(true);
+            return engine.Evaluate(tree.Get(), err);
+        });
+        ExpectSurvives(row.outcome, [&](IError** err) { return host.engine.Evaluate(tree.Get(), err); });
+    }
+    EXPECT_EQ(object->References(), 2) << "this test's and the engine's";
+}
+
 TEST_F(MemoryFailure, WhileAQueryIsParsed) {
     const Ref<CountedObject> parsed = Make<CountedObject>("", ORV_TEXT(L"parsed"));
     for (const Row& row : rows) {

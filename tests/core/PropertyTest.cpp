@@ -345,6 +345,47 @@ TEST_F(Property, ThatFindsNoMemoryFailsWhereItStands) {
     host.engine.SetPropertySource(nullptr);
 }
 
+// An expression that is evaluated again and again runs by itself from the second time on.
+TEST_F(Property, ThatFindsNoMemoryInALoopFailsWhereItStands) {
+    /// Finds memory so many times.
+    class Failing : public CountedObject {
+    public:
+        mutable int left = 0;
+        bool isTooLong = false;
+        int GetNumber() const {
+            if (left-- > 0) {
+                return 1;
+            }
+            if (isTooLong) {
+                throw std::length_error("too long");
+            }
+            throw std::bad_alloc();
+        }
+        const MethodMap* GetMethodMap() const override {
+            static const MethodMap table[] = {MethodMap::Property<&Failing::GetNumber>(L"Number"), MethodMap::End()};
+            return table;
+        }
+    };
+    const Ref<Failing> failing = Make<Failing>();
+    host.engine.SetPropertySource(failing.Get());
+    const Ref<IQueryElement> tree = host.Parse(L"array(1, 2, 3).ForEach(0, $lasteval + @Number)");
+    for (int round = 0; round < 8; ++round) {
+        failing->isTooLong = round >= 4;
+        failing->left = round % 4;
+        ErrorSlot error;
+        const Ref<IObject> value(host.engine.Evaluate(tree.Get(), error.Slot()));
+        if (round % 4 == 3) {
+            EXPECT_EQ(Describe(value.Get()), "int 3");
+            EXPECT_EQ(host.engine.GetErrorPosition(), -1);
+        } else {
+            EXPECT_FALSE(value);
+            EXPECT_EQ(error.Message(), "Internal error") << round;
+            EXPECT_EQ(host.engine.GetErrorPosition(), 38) << round;
+        }
+    }
+    host.engine.SetPropertySource(nullptr);
+}
+
 TEST_F(Property, MayThrowWhatItLikes) {
     const Ref<Item> item = Make<Item>();
     host.engine.SetPropertySource(item.Get());

@@ -7,8 +7,12 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <regex>
 #include <string>
 #include <string_view>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace OrvUQL::platform;
 using OrvUQL::Tests::Coroutine;
@@ -50,3 +54,41 @@ TEST(RegexStack, AtTheEndOfAHostsCoroutine) {
     Coroutine coroutine(256 * 1024, [](Coroutine&) { CallAtTheEnd(ExpectMatches); });
     coroutine.Enter();
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which need more address space all the time
+
+namespace {
+
+/// Whether an expression's work is given up for want of a stack.
+bool FindsNoStack(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const std::regex_error& error) {
+        return error.code() == std::regex_constants::error_stack;
+    }
+    return false;
+}
+
+} // namespace
+
+TEST(RegexStack, ThatTheSystemRefuses) {
+    const Regex expression(L"(a|bc)+d", {});
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        bool good = false;
+        CallAtTheEnd([&] {
+            const rlimit nothing{1, 1};
+            good = setrlimit(RLIMIT_AS, &nothing) == 0 && //
+                   FindsNoStack([&] { RegexMatcher(expression, L"abcad").MatchAll(); }) &&
+                   FindsNoStack([] { const Regex made(L"(b|cd)+e", {}); });
+        });
+        _exit(good ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+#endif
