@@ -43,6 +43,13 @@ function(orvuql_target_options target)
         # The static library has no link step of its own: what links it needs the run-time library too.
         target_link_options(${target} PUBLIC -fsanitize=${ORVUQL_SANITIZE})
         target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
+        # For what takes so much more of everything with them; each compiler has a way of its own to tell.
+        foreach(sanitizer address thread)
+            if(ORVUQL_SANITIZE MATCHES "${sanitizer}")
+                string(TOUPPER ${sanitizer} name)
+                target_compile_definitions(${target} PRIVATE ORVUQL_${name}_SANITIZER=1)
+            endif()
+        endforeach()
         # What g++ 12 takes for uninitialised in instrumented code (<regex>, std::function) is not; the other builds
         # keep the warning.
         target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)

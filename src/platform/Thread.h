@@ -116,7 +116,7 @@ extern constinit thread_local ThreadState threadState __attribute__((tls_model("
 
 inline ThreadState& CurrentThread() noexcept {
     ThreadState* state = &threadState;
-#if defined(__SANITIZE_ADDRESS__) || defined(ORVUQL_SANITIZED)
+#if defined(__SANITIZE_ADDRESS__)
     // In a program, ld turns the addition that makes this address into an instruction that sets no flags, while g++
     // lets the null check of -fsanitize=undefined read the addition's. Here the check has to look at the address
     // itself.

@@ -6,7 +6,7 @@
 namespace OrvUQL::Tests {
 
 /// Those of the tests. The table, which takes longer, has one more.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(ORVUQL_ADDRESS_SANITIZER)
 // Everything is several times as slow there, and frames are many times as large.
 inline constexpr int testSizes[] = {10, 1000, 20000};
 #else

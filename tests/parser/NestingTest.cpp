@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t usualStack = 8 * 1024 * 1024;
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(ORVUQL_ADDRESS_SANITIZER)
 constexpr int excess = 100000; // with frames many times as large
 constexpr int smallDepth = 10;
 constexpr int usualDepth = 300;

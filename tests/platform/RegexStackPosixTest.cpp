@@ -55,7 +55,7 @@ TEST(RegexStack, AtTheEndOfAHostsCoroutine) {
     coroutine.Enter();
 }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which need more address space all the time
+#if !defined(ORVUQL_ADDRESS_SANITIZER) && !defined(ORVUQL_THREAD_SANITIZER) // which take more
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which need more address space than that
+#if !defined(ORVUQL_ADDRESS_SANITIZER) && !defined(ORVUQL_THREAD_SANITIZER) // which need more address space than that
 
 using namespace OrvUQL::platform;
 using OrvUQL::Tests::Descend;

@@ -57,7 +57,7 @@ std::uintptr_t DepthFromHere(std::size_t reserve, std::size_t leaf) {
 } // namespace
 
 // The thread sanitizer takes a part of each stack for itself, and its books have room for 64 Ki calls.
-#if !defined(__SANITIZE_THREAD__)
+#if !defined(ORVUQL_THREAD_SANITIZER)
 
 TEST(Thread, RecursionEndsAboveTheReserveOfASmallStack) {
     RunWithStack(256 * 1024, [] {

@@ -7,7 +7,7 @@
 #include <sys/mman.h>
 #include <ucontext.h>
 #include <utility>
-#if defined(__SANITIZE_THREAD__)
+#if defined(ORVUQL_THREAD_SANITIZER)
 #include <sanitizer/tsan_interface.h>
 #define ORVUQL_CROSSES __attribute__((no_sanitize("thread"))) // is entered on one stack and left on another
 #else
@@ -31,7 +31,7 @@ public:
                     static_cast<unsigned>(self));
     }
     ~Coroutine() {
-#if defined(__SANITIZE_THREAD__)
+#if defined(ORVUQL_THREAD_SANITIZER)
         __tsan_destroy_fiber(fiber);
 #endif
         ::munmap(memory, bytes);
@@ -54,7 +54,7 @@ private:
     void* memory = nullptr;
     ucontext_t inside{};
     ucontext_t outside{};
-#if defined(__SANITIZE_THREAD__)
+#if defined(ORVUQL_THREAD_SANITIZER)
     void* thread = nullptr;
     void* fiber = __tsan_create_fiber(0);
 #endif
@@ -67,7 +67,7 @@ private:
 
     /// The thread sanitizer keeps books of each stack, and has to be told which one the thread is about to use.
     ORVUQL_CROSSES void TellSanitizer([[maybe_unused]] bool entering) {
-#if defined(__SANITIZE_THREAD__)
+#if defined(ORVUQL_THREAD_SANITIZER)
         if (entering) {
             thread = __tsan_get_current_fiber();
         }
