@@ -60,6 +60,11 @@ void ExpectSurvives(const std::string& expected, const std::function<IObject*(IE
     }
 }
 
+struct Row {
+    const wchar_t* query;
+    const char* outcome;
+};
+
 class MemoryFailure : public CountedTest {
 protected:
     void SetUp() override {
@@ -74,12 +79,15 @@ protected:
         CountedTest::TearDown();
     }
 
-    Host host;
-};
+    /// Parses a query and has it evaluated.
+    void ExpectSurvivesQuery(const Row& row, const std::function<IObject*(IQueryElement*, IError**)>& evaluate) {
+        SCOPED_TRACE(Utf8(row.query));
+        const Ref<IQueryElement> tree = host.Parse(row.query);
+        ASSERT_TRUE(tree);
+        ExpectSurvives(row.outcome, [&](IError** err) { return evaluate(tree.Get(), err); });
+    }
 
-struct Row {
-    const wchar_t* query;
-    const char* outcome;
+    Host host;
 };
 
 // (IsNumeric is not here: it tells no error, so a number that does not fit into memory is none.)
@@ -121,24 +129,18 @@ const Row rows[] = {
 
 TEST_F(MemoryFailure, WhileAQueryIsEvaluated) {
     for (const Row& row : rows) {
-        SCOPED_TRACE(Utf8(row.query));
-        const Ref<IQueryElement> tree = host.Parse(row.query);
-        ASSERT_TRUE(tree);
-        ExpectSurvives(row.outcome, [&](IError** err) { return host.engine.Evaluate(tree.Get(), err); });
+        ExpectSurvivesQuery(row, [&](IQueryElement* tree, IError** err) { return host.engine.Evaluate(tree, err); });
     }
 }
 
 // An engine that has evaluated before has room already for what it puts aside.
 TEST_F(MemoryFailure, WhileANewEngineEvaluates) {
     for (const Row& row : rows) {
-        SCOPED_TRACE(Utf8(row.query));
-        const Ref<IQueryElement> tree = host.Parse(row.query);
-        ASSERT_TRUE(tree);
-        ExpectSurvives(row.outcome, [&](IError** err) {
+        ExpectSurvivesQuery(row, [&](IQueryElement* tree, IError** err) {
             QueryEngine engine;
             engine.SetGlobal(host.engine.GetGlobal());
             engine.SetPropertySource(host.engine.GetPropertySource());
-            return engine.Evaluate(tree.Get(), err);
+            return engine.Evaluate(tree, err);
         });
     }
 }
@@ -152,17 +154,14 @@ TEST_F(MemoryFailure, WhileReferencesAreKeptUntilTheEnd) {
         {L"array(1, 'two', @This, 1, 'two').Unique().Count()", "int 3"},
     };
     for (const Row& row : kept) {
-        SCOPED_TRACE(Utf8(row.query));
-        const Ref<IQueryElement> tree = host.Parse(row.query);
-        ASSERT_TRUE(tree);
-        ExpectSurvives(row.outcome, [&](IError** err) {
+        ExpectSurvivesQuery(row, [&](IQueryElement* tree, IError** err) {
             QueryEngine engine;
             engine.SetGlobal(host.engine.GetGlobal());
             engine.SetPropertySource(object.Get());
             engine.SetReleaseKeptReferences(true);
-            return engine.Evaluate(tree.Get(), err);
+            return engine.Evaluate(tree, err);
         });
-        ExpectSurvives(row.outcome, [&](IError** err) { return host.engine.Evaluate(tree.Get(), err); });
+        ExpectSurvivesQuery(row, [&](IQueryElement* tree, IError** err) { return host.engine.Evaluate(tree, err); });
     }
     EXPECT_EQ(object->References(), 2) << "this test's and the engine's";
 }
