@@ -43,7 +43,7 @@ function(orvuql_target_options target)
         # The static library has no link step of its own: what links it needs the run-time library too.
         target_link_options(${target} PUBLIC -fsanitize=${ORVUQL_SANITIZE})
         target_compile_definitions(${target} PRIVATE _GLIBCXX_ASSERTIONS)
-        # For what takes so much more of everything with them; each compiler has a way of its own to tell.
+        # Code that needs other stacks or sizes with them asks for these: each compiler tells in a way of its own.
         foreach(sanitizer address thread)
             if(ORVUQL_SANITIZE MATCHES "${sanitizer}")
                 string(TOUPPER ${sanitizer} name)

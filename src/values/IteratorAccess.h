@@ -53,8 +53,8 @@ struct IteratorAccess {
     // What the methods of these names give; none for a field that holds nothing.
 
     static Value LastEval(const ObjectIterator* iterator) noexcept {
-        return iterator->lasteval == nullptr && iterator->position > 0 ? LastScalar(iterator)
-                                                                       : UnboxShared(iterator->lasteval);
+        const Value scalar = ScalarLastEval(iterator);
+        return scalar.Failed() ? UnboxShared(iterator->lasteval) : scalar;
     }
     /// The same while it has no object, else none.
     static Value ScalarLastEval(const ObjectIterator* iterator) noexcept {

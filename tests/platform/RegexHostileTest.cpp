@@ -1,6 +1,7 @@
 // Patterns and texts that would crash the standard library's matcher or keep it busy for ever. Each ends within
 // seconds, in a result or in an error, and in the same one on a small stack as on a large one.
 
+#include "platform/Meter.h"
 #include "platform/Regex.h"
 #include "support/Effort.h"
 #include "support/Print.h"
@@ -8,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <functional>
 #include <regex>
 #include <string>
@@ -16,6 +18,7 @@
 
 using namespace OrvUQL::platform;
 using namespace std::regex_constants;
+using OrvUQL::EvaluationLimits;
 using OrvUQL::Tests::PartOf;
 using OrvUQL::Tests::RunOnThread;
 using OrvUQL::Tests::smallStack;
@@ -37,10 +40,19 @@ std::wstring Repeat(std::wstring_view text, std::size_t count) {
     return all;
 }
 
-/// "match", "none", or "error " and the code.
+/// "match", "none", or "error " and the code. That each ends is counted, not timed, for machines differ and sanitizers
+/// cost: without bounds some would take years.
 std::string Outcome(const std::wstring& pattern, const std::wstring& text, bool wholeText = false) {
     try {
-        RegexMatcher matcher(Regex(pattern, {}), text);
+        const Regex expression(pattern, {});
+        const std::uint64_t mostSteps = 50'000'000 + 50 * text.size();
+        const Meter meter{EvaluationLimits()};
+        const struct Check {
+            const Meter& meter;
+            std::uint64_t mostSteps;
+            ~Check() { EXPECT_LE(meter.GetUsage().steps, mostSteps / matcherStepsPerStep); }
+        } check{meter, mostSteps};
+        RegexMatcher matcher(expression, text);
         return (wholeText ? matcher.MatchAll() : matcher.Next()) ? "match" : "none";
     } catch (const std::regex_error& error) {
         return "error " + std::to_string(error.code());
@@ -52,7 +64,6 @@ const std::string tooDeep = "error " + std::to_string(error_stack);
 
 class RegexHostile : public ::testing::TestWithParam<std::size_t> {
 protected:
-    // No clock is read, for machines differ and sanitizers cost: without bounds these would take years.
     static void OnStack(const std::function<void()>& body) { RunOnThread(GetParam(), body); }
 };
 
